@@ -1,0 +1,215 @@
+// make-seeds FOLDER: writes the files that fuzzing starts from, in a folder for each kind. Small, whole and the same at
+// every call.
+
+#include "Exif.h"
+#include "Json/JsonWriter.h"
+#include "Layout/RollLayout.h"
+#include "Layout/RollWorkspaceFile.h"
+#include "Output/ArtworkImport.h"
+#include "Output/RollPDFRenderer.h"
+#include "Scenes.h"
+#include "Writers.h"
+
+#include <QByteArray>
+#include <QUrl>
+#include <QUuid>
+
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <string>
+
+using namespace orvex;
+using namespace orvex::samples;
+namespace fs = std::filesystem;
+
+namespace {
+
+/// A JPEG says its density in 16 bits, so this gives the small pictures a size that fits a roll.
+constexpr int pixelsPerInch = 8;
+constexpr int width = 24;
+constexpr int height = 16;
+
+Picture picture() {
+    return pictureOf(width, height, mountainDawn(width, height));
+}
+
+fs::path folderFor(const fs::path& root, const char* kind) {
+    fs::create_directories(root / kind);
+    return root / kind;
+}
+
+void writeBytes(const fs::path& file, const void* bytes, std::size_t size) {
+    std::FILE* output = std::fopen(file.c_str(), "wb");
+    const bool isWritten = output != nullptr && std::fwrite(bytes, 1, size, output) == size;
+    if (output == nullptr || std::fclose(output) != 0 || !isWritten) {
+        throw std::runtime_error("Cannot write " + file.string());
+    }
+}
+
+void writeBytes(const fs::path& file, const QByteArray& bytes) {
+    writeBytes(file, bytes.constData(), static_cast<std::size_t>(bytes.size()));
+}
+
+void makeJpegs(const fs::path& folder) {
+    const auto write = [&](const char* name, JpegForm form) {
+        form.pixelsPerInch = pixelsPerInch;
+        writeJpeg(picture(), form, folder / name);
+    };
+    write("plain.jpg", {.orientation = {}, .profile = {}});
+    write("profile.jpg", {.hasFullChroma = true, .orientation = {}, .profile = sRgbProfile()});
+    // Longer than a segment can be, so in two of them.
+    write("two-segments.jpg", {.orientation = 1, .profile = pressProfile()});
+    write("progressive.jpg", {.isProgressive = true, .orientation = 8, .profile = displayP3Profile()});
+    write("gray-turned.jpg", {.isGray = true, .orientation = 6, .profile = grayProfile()});
+    write("exif-srgb.jpg", {.orientation = 3, .declaresSRgb = true, .profile = {}});
+}
+
+void makePngs(const fs::path& folder) {
+    writePng(picture(), {.pixelsPerInch = pixelsPerInch, .profile = {}}, folder / "plain.png");
+    writePng(picture(), {.pixelsPerInch = pixelsPerInch, .profile = wideGamutProfile()}, folder / "profile.png");
+    writePng(picture(), {.declaresSRgb = true, .pixelsPerInch = pixelsPerInch, .profile = {}}, folder / "srgb.png");
+    const Picture flower = pictureOf(width, width, dahlia(width, width));
+    writePng(flower, {.hasAlpha = true, .pixelsPerInch = pixelsPerInch, .profile = sRgbProfile()},
+             folder / "alpha.png");
+}
+
+void makeTiffs(const fs::path& folder) {
+    using enum TiffForm::Compression;
+    const auto write = [&](const char* name, TiffForm form) {
+        form.pixelsPerInch = pixelsPerInch;
+        writeTiff(picture(), form, folder / name);
+    };
+    write("plain.tif", {.compression = none, .profile = {}});
+    write("sixteen.tif", {.bitsPerSample = 16, .compression = lzw, .profile = wideGamutProfile()});
+    write("big-endian.tif", {.isBigEndian = true, .compression = lzw, .profile = sRgbProfile()});
+    write("bigtiff.tif", {.isBig = true, .compression = none, .profile = sRgbProfile()});
+    write("bigtiff-big-endian.tif", {.isBigEndian = true, .isBig = true, .compression = lzw, .profile = sRgbProfile()});
+    write("ink.tif", {.isCmyk = true, .compression = lzw, .profile = sRgbProfile()});
+}
+
+void makeHeifs(const fs::path& folder) {
+    const Picture night = pictureOf(64, 64, harbourLights(64, 64));
+    writeHeif(night, {.pixelsPerInch = pixelsPerInch, .profile = displayP3Profile()}, folder / "profile.heic");
+    writeHeif(night, {.pixelsPerInch = pixelsPerInch, .profile = {}}, folder / "plain.heic");
+}
+
+void makeProfiles(const fs::path& folder) {
+    for (const auto& [name, profile] :
+         {std::pair("rgb.icc", &sRgbProfile()), std::pair("gray.icc", &grayProfile()),
+          std::pair("wide.icc", &wideGamutProfile()), std::pair("press.icc", &pressProfile())}) {
+        writeBytes(folder / name, profile->data(), profile->size());
+    }
+}
+
+/// zlib streams as an iCCP chunk holds them: shorter and longer than the first room of their reader.
+void makeDeflated(const fs::path& folder) {
+    for (const auto& [name, profile] : {std::pair("rgb.z", &sRgbProfile()), std::pair("press.z", &pressProfile())}) {
+        const QByteArray plain(reinterpret_cast<const char*>(profile->data()), static_cast<qsizetype>(profile->size()));
+        writeBytes(folder / name, qCompress(plain).mid(4));
+    }
+}
+
+/// EXIF as PNG and TIFF hold it, and with the name before it that JPEG and HEIF have.
+void makeExifBlocks(const fs::path& folder) {
+    for (const int orientation : {1, 6}) {
+        const Bytes block = exifBlock(orientation, 300, orientation == 6);
+        Bytes named{'E', 'x', 'i', 'f', 0, 0};
+        named.insert(named.end(), block.begin(), block.end());
+        const std::string number = std::to_string(orientation);
+        writeBytes(folder / ("bare-" + number), block.data(), block.size());
+        writeBytes(folder / ("named-" + number), named.data(), named.size());
+    }
+}
+
+QUuid idOf(int number) {
+    return QUuid(QStringLiteral("{00000000-0000-4000-8000-%1}").arg(number, 12, 10, QLatin1Char('0')));
+}
+
+/// Some artworks on a roll; their files need not be there.
+RollLayout layoutOf(int count, double rollWidthInches) {
+    RollLayout layout({}, rollWidthInches);
+    for (int number = 1; number <= count; ++number) {
+        layout.append(RollArtwork::make({.id = idOf(number),
+                                         .sourceURL = QUrl(QStringLiteral("file:///artworks/%1.tif").arg(number)),
+                                         .pixelWidth = 2400,
+                                         .pixelHeight = 1600,
+                                         .widthInches = 6.0 + 1.5 * number,
+                                         .rotationQuarterTurns = number % 4}),
+                      0.25);
+    }
+    return layout;
+}
+
+void makeLayouts(const fs::path& folder) {
+    for (const int count : {0, 1, 5}) {
+        RollWorkspaceFile file;
+        file.layout = layoutOf(count, 44.0);
+        file.gapInches = 0.25;
+        if (count > 0) {
+            file.selection = idOf(1);
+            file.sizingDescriptions.insert(idOf(1).toString(QUuid::WithoutBraces).toUpper(), QStringLiteral("300 ppi"));
+        }
+        const std::string number = std::to_string(count);
+        writeBytes(folder / ("workspace-" + number + ".json"), file.encode());
+        writeBytes(folder / ("layout-" + number + ".json"),
+                   platform::writeJson(file.layout.toJson(), platform::JsonForm::pretty));
+    }
+}
+
+void makeNumbers(const fs::path& folder) {
+    int count = 0;
+    for (const char* text :
+         {"24", "-0.25", "16.125", "1e3", " 7.5 ", "1,234.5", "1.234,5", "12,5", "+3", "1e999", "nan"}) {
+        writeBytes(folder / ("number-" + std::to_string(count++)), QByteArray(text));
+    }
+}
+
+/// One-page roll documents: with a soft mask, and one beyond 200 inches, which needs a user unit.
+void makeDocuments(const fs::path& folder, const fs::path& pictures) {
+    const auto artwork = [&](const char* file, int number) {
+        const QString path = QString::fromStdString(fs::absolute(pictures / file).string());
+        RollArtwork result = importedArtwork(ImageMetadata::load(QUrl::fromLocalFile(path)), 60.0);
+        result.id = idOf(number);
+        return result;
+    };
+    const auto render = [&](const RollLayout& layout, const char* name) {
+        const QUrl file = QUrl::fromLocalFile(QString::fromStdString(fs::absolute(folder / name).string()));
+        (void)RollPDFRenderer::render(layout, QStringLiteral("Seed"), file, ColorWorkflow{}, std::nullopt);
+    };
+    RollLayout layout;
+    layout.append(artwork("png/alpha.png", 1), 0.0);
+    layout.append(artwork("jpeg/profile.jpg", 2), 0.0);
+    render(layout, "two-artworks.pdf");
+    layout.items[1].yInches = 250.0;
+    render(layout, "long.pdf");
+}
+
+void makeAll(const fs::path& root) {
+    makeJpegs(folderFor(root, "jpeg"));
+    makePngs(folderFor(root, "png"));
+    makeTiffs(folderFor(root, "tiff"));
+    makeHeifs(folderFor(root, "heif"));
+    makeProfiles(folderFor(root, "icc"));
+    makeDeflated(folderFor(root, "deflate"));
+    makeExifBlocks(folderFor(root, "exif"));
+    makeLayouts(folderFor(root, "json"));
+    makeNumbers(folderFor(root, "number"));
+    makeDocuments(folderFor(root, "pdf"), root);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fputs("usage: make-seeds FOLDER\n", stderr);
+        return 2;
+    }
+    try {
+        makeAll(argv[1]);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return 1;
+    }
+    return 0;
+}

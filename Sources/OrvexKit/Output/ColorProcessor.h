@@ -1,0 +1,43 @@
+#pragma once
+
+#include "Color/IccProfile.h"
+#include "Imaging/Raster.h"
+#include "Output/ColorManagement.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+namespace orvex {
+
+/// On which side of a conversion a profile stands.
+enum class ICCUse { source, output };
+
+/// A profile that may be used for a conversion.
+struct ParsedICC {
+    platform::IccProfile profile;
+    platform::ColorModel model = platform::ColorModel::rgb;
+    QString profileClass;
+};
+
+/// The single point at which pixels change colour.
+namespace ColorProcessor {
+
+/// Validates a profile: as a source, a scanner, display, printer or colour-space profile of gray, RGB or CMYK; as an
+/// output, a display, printer or colour-space profile of RGB or CMYK. Raises OrvexError for any other. Any thread.
+[[nodiscard]] ParsedICC parseICC(const QByteArray& data, ICCUse use);
+
+/// The picture in the colours of the output profile, or the very same picture if the driver manages colour.
+///
+/// All checks are made at once; the pixels are converted strip by strip whenever the result's rows are read, by rows
+/// that hold one strip and no more. What is transparent is first laid on the white paper of the source profile. The
+/// result has 8 bits for sources of up to 8 and else 16, no alpha, the size and orientation of the source, and the
+/// output profile. Raises OrvexError for whatever cannot be converted without loss or guesses; so do the result's rows
+/// if the source delivers others than it promised. Any thread.
+[[nodiscard]] platform::Raster apply(const platform::Raster& image, const SourceColorProfile& sourceProfile,
+                                     const ColorWorkflow& workflow, const std::optional<QByteArray>& outputICC);
+
+} // namespace ColorProcessor
+
+} // namespace orvex

@@ -1,0 +1,16 @@
+#include "Color/ColorEngine.h"
+
+#include <new>
+
+namespace orvex::platform {
+
+EngineContext makeEngineContext() {
+    EngineContext context(cmsCreateContext(nullptr, nullptr));
+    if (!context) {
+        throw std::bad_alloc();
+    }
+    cmsSetLogErrorHandlerTHR(context.get(), [](cmsContext, cmsUInt32Number, const char*) {});
+    return context;
+}
+
+} // namespace orvex::platform

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "Color/IccProfile.h"
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <span>
+
+namespace orvex::platform {
+
+enum class RenderingIntent { perceptual, relativeColorimetric, saturation, absoluteColorimetric };
+
+/// The way from the colours of one profile to those of another: device to connection space to device, with one intent
+/// for both halves, no black point compensation asked for, and every pixel computed from the profiles themselves.
+/// Copies share the engine's transform. Immutable; any thread, and several at once.
+class ColorTransform {
+public:
+    /// Nothing if the engine cannot convert between the two, if a space is not gray, RGB or CMYK, or if the samples
+    /// are to have other than 8 or 16 bits.
+    [[nodiscard]] static std::optional<ColorTransform> make(const IccProfile& source, int sourceBits,
+                                                            const IccProfile& destination, int destinationBits,
+                                                            RenderingIntent intent);
+
+    /// The bytes of a pixel on each side; samples are interleaved as in PixelFormat, without alpha.
+    [[nodiscard]] std::size_t sourcePixelBytes() const { return sourcePixelBytes_; }
+
+    [[nodiscard]] std::size_t destinationPixelBytes() const { return destinationPixelBytes_; }
+
+    /// Converts `pixelCount` pixels from the beginning of `source` to the beginning of `destination`, which must not
+    /// overlap. False, with nothing done, if either is too short for them.
+    [[nodiscard]] bool convert(std::span<const std::byte> source, std::span<std::byte> destination,
+                               std::size_t pixelCount) const;
+
+private:
+    struct Engine;
+
+    ColorTransform(std::shared_ptr<const Engine> engine, std::size_t sourcePixelBytes,
+                   std::size_t destinationPixelBytes)
+        : engine_(std::move(engine)),
+          sourcePixelBytes_(sourcePixelBytes),
+          destinationPixelBytes_(destinationPixelBytes) {}
+
+    std::shared_ptr<const Engine> engine_;
+    std::size_t sourcePixelBytes_;
+    std::size_t destinationPixelBytes_;
+};
+
+} // namespace orvex::platform

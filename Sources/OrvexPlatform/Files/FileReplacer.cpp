@@ -1,0 +1,138 @@
+#include "Files/FileReplacer.h"
+
+#include "Files/DescriptorIO.h"
+#include "Files/FileSystemError.h"
+#include "Files/LiveTemporaries.h"
+#include "Files/Paths.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QUuid>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <optional>
+
+namespace orvex::platform {
+
+namespace {
+
+constexpr qsizetype largestNameBytes = 255; // of one file name on Linux
+constexpr mode_t permissionBits = 0777;     // never a set-user-ID bit: the new file may have another owner
+
+/// The permissions of the file to be replaced; absent if there is none.
+std::optional<mode_t> permissionsToKeep(const QString& destination) {
+    struct stat facts {};
+
+    if (::stat(nativePath(destination).constData(), &facts) != 0) {
+        if (errno == ENOENT) {
+            return std::nullopt;
+        }
+        throw FileSystemError::last(destination);
+    }
+    if (!S_ISREG(facts.st_mode)) {
+        throw FileSystemError(S_ISDIR(facts.st_mode) ? EISDIR : EINVAL, destination);
+    }
+    if (::access(nativePath(destination).constData(), W_OK) != 0) {
+        throw FileSystemError::last(destination);
+    }
+    return facts.st_mode & permissionBits;
+}
+
+/// Where the new file belongs: behind all links. A link that leads nowhere is refused rather than replaced.
+QString destinationBehindLinks(const QString& destination) {
+    const QString resolved = resolvingSymlinks(destination);
+    const QByteArray path = nativePath(resolved);
+
+    struct stat facts {};
+
+    if (::lstat(path.constData(), &facts) == 0 && S_ISLNK(facts.st_mode) && ::stat(path.constData(), &facts) != 0) {
+        throw FileSystemError::last(destination);
+    }
+    return resolved;
+}
+
+/// A hidden name for the temporary file beside `name`, which is cut where the whole would be too long for the system.
+QString temporaryNameBeside(QString name) {
+    const QString uuid = QUuid::createUuid().toString(QUuid::WithoutBraces);
+    QString temporary;
+    do {
+        temporary = QStringLiteral(".%1.%2.tmp").arg(name, uuid);
+        name.chop(name.size() > 1 && name.back().isLowSurrogate() ? 2 : 1);
+    } while (QFile::encodeName(temporary).size() > largestNameBytes);
+    return temporary;
+}
+
+FileDescriptor openFolder(const QString& path) {
+    FileDescriptor folder(::open(nativePath(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder.isOpen()) {
+        throw FileSystemError::last(path);
+    }
+    return folder;
+}
+
+} // namespace
+
+FileReplacer FileReplacer::open(const QString& destination, const QString& temporaryName) {
+    const QString target = destinationBehindLinks(destination);
+    const std::optional<mode_t> permissions = permissionsToKeep(target);
+    const QFileInfo info(target);
+    // Opened before anything is written: a folder that could not be synchronised must not fail after the renaming.
+    FileDescriptor folder = openFolder(info.path());
+    const QString name = temporaryName.isEmpty() ? temporaryNameBeside(info.fileName()) : temporaryName;
+    const QString temporaryPath = info.path() + u'/' + name;
+    FileDescriptor descriptor(::open(nativePath(temporaryPath).constData(),
+                                     O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, permissions ? 0600 : 0666));
+    if (!descriptor.isOpen()) {
+        throw FileSystemError::last(destination);
+    }
+    LiveTemporaries::add(temporaryPath);
+    FileReplacer replacer(std::move(folder), std::move(descriptor), target, temporaryPath);
+    const int file = replacer.descriptor_.get();
+    if (::flock(file, LOCK_EX | LOCK_NB) != 0 || (permissions && ::fchmod(file, *permissions) != 0)) {
+        throw FileSystemError::last(destination);
+    }
+    return replacer;
+}
+
+FileReplacer::FileReplacer(FileReplacer&& other) noexcept
+    : folder_(std::move(other.folder_)),
+      descriptor_(std::move(other.descriptor_)),
+      destination_(std::move(other.destination_)),
+      temporaryPath_(std::exchange(other.temporaryPath_, {})),
+      position_(other.position_) {}
+
+FileReplacer::~FileReplacer() {
+    if (!temporaryPath_.isEmpty()) {
+        // Nothing more can be done about a file that cannot be removed.
+        ::unlink(QFile::encodeName(temporaryPath_).constData());
+        LiveTemporaries::remove(temporaryPath_);
+    }
+}
+
+void FileReplacer::write(QByteArrayView bytes) {
+    writeAt(descriptor_, position_, bytes, destination_);
+    position_ += bytes.size();
+}
+
+void FileReplacer::commit() {
+    synchronize(descriptor_, destination_);
+    // The file stays open, and so locked, until it has its final name; what fsync has written cannot fail at closing.
+    if (::rename(nativePath(temporaryPath_).constData(), nativePath(destination_).constData()) != 0) {
+        throw FileSystemError::last(destination_);
+    }
+    LiveTemporaries::remove(std::exchange(temporaryPath_, {}));
+    synchronize(folder_, destination_);
+}
+
+void FileReplacer::replace(const QString& destination, QByteArrayView content) {
+    FileReplacer replacer = open(destination);
+    replacer.write(content);
+    replacer.commit();
+}
+
+} // namespace orvex::platform

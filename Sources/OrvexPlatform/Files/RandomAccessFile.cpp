@@ -1,0 +1,34 @@
+#include "Files/RandomAccessFile.h"
+
+#include "Files/DescriptorIO.h"
+#include "Files/FileSystemError.h"
+
+#include <fcntl.h>
+
+#include <cerrno>
+
+namespace orvex::platform {
+
+RandomAccessFile RandomAccessFile::open(const QString& path) {
+    FileDescriptor descriptor = openRegularFile(path, O_RDONLY);
+    const qint64 size = sizeBytes(descriptor, path);
+    return {std::move(descriptor), path, size};
+}
+
+qint64 RandomAccessFile::readAt(qint64 offset, std::span<std::byte> buffer) const {
+    return platform::readAt(descriptor_, offset, buffer, path_);
+}
+
+QByteArray RandomAccessFile::bytesAt(qint64 offset, qint64 count) const {
+    return platform::bytesAt(descriptor_, size_, offset, count, path_);
+}
+
+QByteArray readWholeFile(const QString& path, qint64 limitBytes) {
+    const RandomAccessFile file = RandomAccessFile::open(path);
+    if (file.size() > limitBytes) {
+        throw FileSystemError(EFBIG, path);
+    }
+    return file.bytesAt(0, file.size());
+}
+
+} // namespace orvex::platform

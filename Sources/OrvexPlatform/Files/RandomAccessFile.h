@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Files/FileDescriptor.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <cstddef>
+#include <span>
+
+namespace orvex::platform {
+
+/// A regular file open for reading at any position. It is read with plain reads and never mapped: a file that shrinks
+/// under a mapping would end the process. Reading is safe from several threads.
+class RandomAccessFile {
+public:
+    /// Opens a regular file. Raises FileSystemError if it cannot be opened or is anything else; a FIFO or a device is
+    /// never waited for.
+    [[nodiscard]] static RandomAccessFile open(const QString& path);
+
+    /// The size in bytes at the time of opening.
+    [[nodiscard]] qint64 size() const { return size_; }
+
+    [[nodiscard]] const QString& path() const { return path_; }
+
+    /// Reads from `offset` into `buffer`; the count is short only at the end of the file. Raises FileSystemError.
+    [[nodiscard]] qint64 readAt(qint64 offset, std::span<std::byte> buffer) const;
+
+    /// The bytes from `offset`, fewer than `count` only at the end of the file. Raises FileSystemError.
+    [[nodiscard]] QByteArray bytesAt(qint64 offset, qint64 count) const;
+
+private:
+    RandomAccessFile(FileDescriptor descriptor, QString path, qint64 size)
+        : descriptor_(std::move(descriptor)),
+          path_(std::move(path)),
+          size_(size) {}
+
+    FileDescriptor descriptor_;
+    QString path_;
+    qint64 size_;
+};
+
+/// The whole content of a regular file. Raises FileSystemError, also if the file is larger than `limitBytes`.
+[[nodiscard]] QByteArray readWholeFile(const QString& path, qint64 limitBytes);
+
+} // namespace orvex::platform

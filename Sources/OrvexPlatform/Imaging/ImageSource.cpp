@@ -1,0 +1,42 @@
+#include "Imaging/ImageSource.h"
+
+#include "Imaging/Codecs.h"
+#include "Imaging/ImageError.h"
+
+namespace orvex::platform {
+
+namespace {
+
+constexpr qint64 signatureBytes = 12;
+
+bool isHeif(const QByteArray& head) {
+    // ISO 14496-12, 4.3: every file begins with its brand box.
+    return head.size() >= signatureBytes && head.sliced(4, 4) == "ftyp";
+}
+
+bool isTiff(const QByteArray& head) {
+    return head.startsWith(QByteArrayView("II*\0", 4)) || head.startsWith(QByteArrayView("MM\0*", 4)) ||
+           head.startsWith(QByteArrayView("II+\0", 4)) || head.startsWith(QByteArrayView("MM\0+", 4));
+}
+
+} // namespace
+
+std::unique_ptr<ImageSource> ImageSource::open(const QString& path) {
+    auto file = std::make_shared<const RandomAccessFile>(RandomAccessFile::open(path));
+    const QByteArray head = file->bytesAt(0, signatureBytes);
+    if (head.startsWith("\x89PNG\r\n\x1a\n")) {
+        return openPng(std::move(file));
+    }
+    if (head.startsWith("\xff\xd8")) {
+        return openJpeg(std::move(file));
+    }
+    if (isTiff(head)) {
+        return openTiff(std::move(file));
+    }
+    if (isHeif(head)) {
+        return openHeif(std::move(file));
+    }
+    throw ImageError(QStringLiteral("no signature of a supported image format"));
+}
+
+} // namespace orvex::platform

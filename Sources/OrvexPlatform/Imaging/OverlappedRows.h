@@ -1,0 +1,15 @@
+#pragma once
+
+#include "Imaging/Raster.h"
+
+namespace orvex::platform {
+
+/// Delivers a raster's rows as `Raster::rows` does, but decodes them in a thread of its own while the sink works on the
+/// calling thread. At most `stripsInFlight` strips are held. Raises what the decoder raises, after the rows before it
+/// were delivered, and what the sink raises, which stops the decoder at its next strip.
+void overlappedRows(const Raster& raster, const RowSink& sink);
+
+/// The strips that may be decoded and not yet consumed, the one that the sink works on included.
+inline constexpr int stripsInFlight = 3;
+
+} // namespace orvex::platform

@@ -1,0 +1,18 @@
+#include "Json/JsonError.h"
+
+namespace orvex::platform {
+
+namespace {
+
+QString compose(const QString& keyPath, const QString& description) {
+    return keyPath.isEmpty() ? description : QStringLiteral("%1: %2").arg(keyPath, description);
+}
+
+} // namespace
+
+JsonError::JsonError(const QString& keyPath, const QString& description)
+    : Failure(compose(keyPath, description)),
+      keyPath_(keyPath),
+      description_(description) {}
+
+} // namespace orvex::platform

@@ -1,0 +1,155 @@
+#include "Json/JsonReader.h"
+
+#include "Json/JsonError.h"
+#include "OrvexLanguage.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+
+#include <cmath>
+#include <limits>
+
+namespace orvex::platform {
+
+namespace {
+
+std::optional<double> nonFiniteNumber(const QString& text) {
+    if (text == u"NaN") {
+        return std::numeric_limits<double>::quiet_NaN();
+    }
+    if (text == u"Infinity") {
+        return std::numeric_limits<double>::infinity();
+    }
+    if (text == u"-Infinity") {
+        return -std::numeric_limits<double>::infinity();
+    }
+    return std::nullopt;
+}
+
+QJsonValue topValue(const QJsonDocument& document) {
+    return document.isArray() ? QJsonValue(document.array()) : QJsonValue(document.object());
+}
+
+} // namespace
+
+JsonReader JsonReader::parse(QByteArrayView utf8, JsonNumbers numbers) {
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(QByteArray::fromRawData(utf8.data(), utf8.size()), &error);
+    if (error.error != QJsonParseError::NoError) {
+        throw JsonError({}, spt("内容不是有效的 JSON（第 %1 字节处）。", "Not valid JSON (at byte %1).")
+                                .arg(QString::number(error.offset)));
+    }
+    return {topValue(document), {}, numbers};
+}
+
+void JsonReader::fail(const QString& description) const {
+    throw JsonError(keyPath_, description);
+}
+
+void JsonReader::failType(const char* chineseType, const char* englishType) const {
+    fail(spt("应为%1。", "Expected %1.").arg(spt(chineseType, englishType)));
+}
+
+void JsonReader::require(QJsonValue::Type type, const char* chineseType, const char* englishType) const {
+    if (value_.type() != type) {
+        failType(chineseType, englishType);
+    }
+}
+
+JsonReader JsonReader::member(const QString& key, const QJsonValue& value) const {
+    return {value, keyPath_.isEmpty() ? key : keyPath_ + u'.' + key, numbers_};
+}
+
+JsonReader JsonReader::at(const char* key) const {
+    require(QJsonValue::Object, "对象", "an object");
+    const QString name = QString::fromUtf8(key);
+    const QJsonValue value = value_.toObject().value(name);
+    JsonReader found = member(name, value);
+    if (value.isUndefined()) {
+        found.fail(spt("缺少必需的键。", "The required key is missing."));
+    }
+    return found;
+}
+
+std::optional<JsonReader> JsonReader::find(const char* key) const {
+    require(QJsonValue::Object, "对象", "an object");
+    const QString name = QString::fromUtf8(key);
+    const QJsonValue value = value_.toObject().value(name);
+    return value.isUndefined() || value.isNull() ? std::nullopt : std::optional(member(name, value));
+}
+
+bool JsonReader::contains(const char* key) const {
+    require(QJsonValue::Object, "对象", "an object");
+    return value_.toObject().contains(QString::fromUtf8(key));
+}
+
+QString JsonReader::text() const {
+    require(QJsonValue::String, "文本", "text");
+    return value_.toString();
+}
+
+bool JsonReader::boolean() const {
+    require(QJsonValue::Bool, "布尔值", "true or false");
+    return value_.toBool();
+}
+
+qint64 JsonReader::integer() const {
+    require(QJsonValue::Double, "整数", "an integer");
+    // The default is given back for anything that is no integer of 64 bits; two defaults tell it from a real value.
+    const qint64 value = value_.toInteger(0);
+    if (value == 0 && value_.toInteger(1) != 0) {
+        failType("整数", "an integer");
+    }
+    return value;
+}
+
+double JsonReader::number() const {
+    if (numbers_ == JsonNumbers::orNonFiniteText && value_.isString()) {
+        if (const auto number = nonFiniteNumber(value_.toString())) {
+            return *number;
+        }
+    }
+    require(QJsonValue::Double, "数字", "a number");
+    return value_.toDouble();
+}
+
+QUuid JsonReader::uuid() const {
+    static const QRegularExpression canonical(
+        QStringLiteral("\\A[0-9A-Fa-f]{8}-(?:[0-9A-Fa-f]{4}-){3}[0-9A-Fa-f]{12}\\z"));
+    const QString value = text();
+    if (!canonical.match(value).hasMatch()) {
+        failType(" UUID", "a UUID");
+    }
+    return QUuid::fromString(value);
+}
+
+QUrl JsonReader::url() const {
+    const QUrl url(text(), QUrl::TolerantMode);
+    if (!url.isValid()) {
+        failType(" URL", "a URL");
+    }
+    return url;
+}
+
+qsizetype JsonReader::count() const {
+    require(QJsonValue::Array, "数组", "an array");
+    return value_.toArray().size();
+}
+
+JsonReader JsonReader::element(qsizetype index) const {
+    return {value_.toArray().at(index), keyPath_ + QStringLiteral("[%1]").arg(index), numbers_};
+}
+
+QList<std::pair<QString, JsonReader>> JsonReader::members() const {
+    require(QJsonValue::Object, "对象", "an object");
+    const QJsonObject object = value_.toObject();
+    QList<std::pair<QString, JsonReader>> members;
+    for (auto each = object.begin(); each != object.end(); ++each) {
+        members.append({each.key(), member(each.key(), each.value())});
+    }
+    return members;
+}
+
+} // namespace orvex::platform

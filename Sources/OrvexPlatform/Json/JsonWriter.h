@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Json/JsonNumbers.h"
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QJsonValue>
+#include <QString>
+#include <QUrl>
+#include <QUuid>
+
+namespace orvex::platform {
+
+/// How a record's JSON is laid out; keys are sorted in every form.
+enum class JsonForm {
+    pretty,               ///< indented, slashes plain
+    prettyEscapedSlashes, ///< indented, every "/" as "\/"
+    compactLine,          ///< one line without its line feed
+};
+
+/// A number for a JSON object. JSON has no numbers that are not finite: JsonInvalidNumber, with the key, unless the
+/// mode takes them as texts.
+[[nodiscard]] QJsonValue jsonNumber(const char* key, double number, JsonNumbers numbers = JsonNumbers::finite);
+
+/// The canonical text of a UUID, in upper case.
+[[nodiscard]] QString uuidText(const QUuid& uuid);
+
+/// The fully encoded text of a URL.
+[[nodiscard]] QString urlText(const QUrl& url);
+
+/// The bytes of an object or array. The pretty forms end in a line feed.
+[[nodiscard]] QByteArray writeJson(const QJsonValue& value, JsonForm form);
+
+} // namespace orvex::platform

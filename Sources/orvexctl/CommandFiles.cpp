@@ -1,0 +1,92 @@
+#include "CommandFiles.h"
+
+#include "Files/FileReplacer.h"
+#include "Files/FileSystemError.h"
+#include "Files/Paths.h"
+#include "Files/RandomAccessFile.h"
+#include "Json/JsonWriter.h"
+#include "OrvexError.h"
+#include "OrvexLanguage.h"
+#include "Output/SourceGuard.h"
+
+#include <QFile>
+
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+
+namespace orvex {
+
+namespace {
+
+const QString standardStreamName = QStringLiteral("-");
+
+QByteArray readStandardInput(qint64 limitBytes) {
+    QByteArray content;
+    std::array<char, 65536> piece{};
+    while (true) {
+        const ssize_t count = ::read(STDIN_FILENO, piece.data(), piece.size());
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count < 0) {
+            throw platform::FileSystemError::last(standardStreamName);
+        }
+        if (count == 0) {
+            return content;
+        }
+        content.append(piece.data(), count);
+        if (content.size() > limitBytes) {
+            throw platform::FileSystemError(EFBIG, standardStreamName);
+        }
+    }
+}
+
+void writeStandardOutput(QByteArrayView bytes) {
+    while (!bytes.isEmpty()) {
+        const ssize_t count = ::write(STDOUT_FILENO, bytes.data(), static_cast<std::size_t>(bytes.size()));
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count < 0) {
+            throw platform::FileSystemError::last(standardStreamName);
+        }
+        bytes = bytes.sliced(count);
+    }
+}
+
+} // namespace
+
+QString argumentText(const std::string& argument) {
+    return QFile::decodeName(QByteArray::fromStdString(argument));
+}
+
+bool isStandardStream(const QString& path) {
+    return path == standardStreamName;
+}
+
+QByteArray readInput(const QString& path, qint64 limitBytes) {
+    return isStandardStream(path) ? readStandardInput(limitBytes) : platform::readWholeFile(path, limitBytes);
+}
+
+void writeOutput(const QString& path, QByteArrayView bytes) {
+    if (isStandardStream(path)) {
+        writeStandardOutput(bytes);
+    } else {
+        platform::FileReplacer::replace(path, bytes);
+    }
+}
+
+void printResult(const QJsonValue& value) {
+    writeStandardOutput(platform::writeJson(value, platform::JsonForm::pretty));
+}
+
+void refuseOverwriting(const QString& output, const QList<QUrl>& inputs) {
+    if (!isStandardStream(output) && overwritesSource(platform::fileUrl(output), inputs)) {
+        throw OrvexError::invalid(spt("输出位置不能覆盖任何输入文件。请另选一个文件。",
+                                      "The output location cannot overwrite any input file. Choose a separate file."));
+    }
+}
+
+} // namespace orvex

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QByteArray>
+#include <QJsonValue>
+#include <QList>
+#include <QString>
+#include <QUrl>
+
+#include <string>
+
+namespace orvex {
+
+/// An argument of the command line as text.
+[[nodiscard]] QString argumentText(const std::string& argument);
+
+/// Whether a file argument means standard input or output.
+[[nodiscard]] bool isStandardStream(const QString& path);
+
+/// All bytes of a file or of standard input. Raises FileSystemError, also for more than `limitBytes`.
+[[nodiscard]] QByteArray readInput(const QString& path, qint64 limitBytes);
+
+/// Replaces a file by these bytes, or writes them to standard output. Raises FileSystemError.
+void writeOutput(const QString& path, QByteArrayView bytes);
+
+/// Prints a result on standard output, indented.
+void printResult(const QJsonValue& value);
+
+/// Raises OrvexError if the output would write over one of the inputs. Standard streams are never the same file.
+void refuseOverwriting(const QString& output, const QList<QUrl>& inputs);
+
+} // namespace orvex

@@ -1,0 +1,108 @@
+#include "CommandLine.h"
+
+#include "Commands.h"
+#include "Failure.h"
+#include "Interrupted.h"
+#include "Interruption.h"
+#include "OrvexLanguage.h"
+
+#include <QLocale>
+
+#include <iostream>
+
+namespace orvex {
+
+namespace {
+
+void useLanguage(const std::string& tag) {
+    OrvexLanguage::setConfigured(QString::fromStdString(tag));
+    // Shown numbers follow the language that was asked for.
+    QLocale::setDefault(QLocale(tag == "en" ? QStringLiteral("en_US") : QStringLiteral("zh_CN")));
+}
+
+void printError(const QString& message) {
+    std::cerr << message.toStdString() << std::endl;
+}
+
+int usageStatus(const CLI::App& app, const CLI::ParseError& error) {
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+        return app.exit(error); // help was asked for
+    }
+    std::cerr << error.what() << "\n"
+              << "usage: orvexctl [--language en|zh-Hans] COMMAND ... (--help tells more)\n";
+    return exitUsage;
+}
+
+void addCommands(CLI::App& app, CommandContext& context) {
+    app.require_subcommand(1);
+    app.add_option_function<std::string>(
+           "--language", useLanguage,
+           spt("消息与数字所用的语言", "the language of messages and shown numbers").toStdString())
+        ->check(CLI::IsMember({"en", "zh-Hans"}))
+        ->trigger_on_parse();
+    // Read from the process's own arguments where it is needed; here it only has to be known.
+    app.add_option_function<std::string>(
+           "--orvex-qa-workspace", [](const std::string&) {},
+           spt("代替应用文件夹的文件夹", "the folder that stands for the application folder").toStdString())
+        ->type_name("DIR");
+    addRollCommand(app, context);
+    addInspectCommand(app, context);
+    addIccCommand(app, context);
+    addPackCommand(app, context);
+    addRenderCommand(app, context);
+    addCheckCommand(app, context);
+    addUserUnitCommand(app, context);
+    addPreviewCommand(app, context);
+    addApplyCommand(app, context);
+}
+
+/// The help texts are made before the arguments are parsed, so their language is looked for first.
+void useLanguageOfArguments(int argc, const char* const* argv) {
+    const std::vector<std::string> arguments(argv, argv + argc);
+    const auto flag = std::find(arguments.begin(), arguments.end(), "--language");
+    if (flag != arguments.end() && flag + 1 != arguments.end() && (flag[1] == "en" || flag[1] == "zh-Hans")) {
+        useLanguage(flag[1]);
+    }
+}
+
+int run(int argc, const char* const* argv) {
+    const Interruption interruption;
+    useLanguageOfArguments(argc, argv);
+    CommandContext context{.stop = interruption.token()};
+    CLI::App app(spt("为 60 英寸画布卷材打印机准备大幅面作品。",
+                     "Prepares large-format artwork for a 60-inch canvas roll printer.")
+                     .toStdString(),
+                 "orvexctl");
+    addCommands(app, context);
+    try {
+        app.parse(argc, argv);
+        return context.exitStatus;
+    } catch (const CLI::ParseError& error) {
+        return usageStatus(app, error);
+    }
+}
+
+} // namespace
+
+QString unexpectedFailure(const std::exception& exception) {
+    if (dynamic_cast<const std::bad_alloc*>(&exception) != nullptr) {
+        return spt("内存不足。", "Not enough memory.");
+    }
+    return spt("系统资源不足或发生意外错误：%1", "The system is short of resources, or something unexpected failed: %1")
+        .arg(QString::fromLocal8Bit(exception.what()));
+}
+
+int runCommandLine(int argc, const char* const* argv) {
+    try {
+        return run(argc, argv);
+    } catch (const platform::Interrupted&) {
+        return exitInterrupted;
+    } catch (const Failure& failure) {
+        printError(failure.message());
+    } catch (const std::exception& exception) {
+        printError(unexpectedFailure(exception));
+    }
+    return exitRefused;
+}
+
+} // namespace orvex

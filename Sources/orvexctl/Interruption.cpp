@@ -1,0 +1,56 @@
+#include "Interruption.h"
+
+#include "CommandLine.h"
+#include "Files/LiveTemporaries.h"
+
+#include <pthread.h>
+
+#include <csignal>
+#include <ctime>
+
+namespace orvex {
+
+namespace {
+
+constexpr int wakeSignal = SIGUSR1; // ends the watcher's wait; blocked in it and used for nothing else
+constexpr timespec graceTime{.tv_sec = 1, .tv_nsec = 500'000'000};
+
+sigset_t signals(std::initializer_list<int> numbers) {
+    sigset_t set;
+    sigemptyset(&set);
+    for (const int number : numbers) {
+        sigaddset(&set, number);
+    }
+    return set;
+}
+
+} // namespace
+
+Interruption::Interruption() {
+    const sigset_t wake = signals({wakeSignal});
+    pthread_sigmask(SIG_BLOCK, &wake, nullptr);
+    watcher_ = std::thread([this] { watch(); });
+}
+
+Interruption::~Interruption() {
+    ended_.request_stop();
+    pthread_kill(watcher_.native_handle(), wakeSignal);
+    watcher_.join();
+}
+
+void Interruption::watch() {
+    const sigset_t awaited = signals({SIGINT, wakeSignal});
+    int received = 0;
+    while (sigwait(&awaited, &received) == 0 && received != SIGINT) {
+        if (ended_.stop_requested()) {
+            return;
+        }
+    }
+    stop_.request_stop();
+    const sigset_t wake = signals({wakeSignal});
+    if (sigtimedwait(&wake, nullptr, &graceTime) != wakeSignal) {
+        platform::LiveTemporaries::removeAllAndExit(exitInterrupted);
+    }
+}
+
+} // namespace orvex

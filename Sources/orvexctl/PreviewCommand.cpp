@@ -1,0 +1,85 @@
+#include "CommandFiles.h"
+#include "CommandText.h"
+#include "Commands.h"
+#include "Files/Paths.h"
+#include "Files/RandomAccessFile.h"
+#include "Files/TemporaryFolder.h"
+#include "Imaging/PngWriter.h"
+#include "LayoutFile.h"
+#include "Output/RollPDFRenderer.h"
+#include "PDF/PdfView.h"
+#include "RollAnswers.h"
+
+namespace orvex {
+
+namespace {
+
+constexpr qint64 largestInputBytes = 1 << 30; // of a layout, or of a PDF that comes through a pipe
+
+struct PreviewOptions {
+    std::string input;
+    std::string output;
+    int pixels = 2400;
+};
+
+bool isPdf(QByteArrayView head) {
+    return head.startsWith("%PDF-");
+}
+
+QByteArray pngOf(const QString& pdfPath, int longerSidePixels) {
+    const platform::PdfPicture picture = platform::PdfView::renderPage(pdfPath, longerSidePixels);
+    return platform::encodePng(picture.width, picture.height, {.model = platform::ColorModel::rgb},
+                               std::as_bytes(std::span(picture.rgb)));
+}
+
+/// A picture of the layout is the picture of the PDF that it becomes.
+QByteArray pngOfLayout(const LayoutFile& file, const platform::TemporaryFolder& folder, const PreviewOptions& options,
+                       const CommandContext& context) {
+    const QString pdf = folder.filePath(QStringLiteral("roll.pdf"));
+    (void)RollPDFRenderer::render(file.layout, rollTitle({}), platform::fileUrl(pdf), {}, std::nullopt, context.stop);
+    return pngOf(pdf, options.pixels);
+}
+
+void runPreview(const PreviewOptions& options, const CommandContext& context) {
+    const QString input = argumentText(options.input);
+    const QString output = argumentText(options.output);
+    if (!isStandardStream(input)) {
+        refuseOverwriting(output, {platform::fileUrl(input)});
+        if (isPdf(platform::RandomAccessFile::open(input).bytesAt(0, 5))) {
+            writeOutput(output, pngOf(input, options.pixels));
+            return;
+        }
+    }
+    const platform::TemporaryFolder folder;
+    const QByteArray content = readInput(input, largestInputBytes);
+    if (isPdf(content)) {
+        const QString pdf = folder.filePath(QStringLiteral("input.pdf"));
+        writeOutput(pdf, content);
+        writeOutput(output, pngOf(pdf, options.pixels));
+        return;
+    }
+    const LayoutFile file = LayoutFile::parse(content);
+    refuseOverwriting(output, file.sources());
+    writeOutput(output, pngOfLayout(file, folder, options, context));
+}
+
+} // namespace
+
+void addPreviewCommand(CLI::App& app, CommandContext& context) {
+    CLI::App* command = app.add_subcommand("preview", description("生成卷布的图片", "make a picture of a roll"));
+    const auto options = std::make_shared<PreviewOptions>();
+    command
+        ->add_option("INPUT", options->input,
+                     description("排版文件、工作区文件或卷布 PDF", "a layout or workspace file, or a roll PDF"))
+        ->required()
+        ->type_name("");
+    command->add_option("-o", options->output, description("图片文件", "the picture"))
+        ->required()
+        ->type_name("OUT.png");
+    command->add_option("--pixels", options->pixels, description("图片长边的像素数", "the longer side of the picture"))
+        ->type_name("N")
+        ->check(CLI::Range(1, platform::PdfView::largestSidePixels));
+    command->callback([options, &context] { runPreview(*options, context); });
+}
+
+} // namespace orvex

@@ -1,0 +1,49 @@
+#include "CommandFiles.h"
+#include "CommandText.h"
+#include "Commands.h"
+#include "Files/FileReplacer.h"
+#include "Files/RandomAccessFile.h"
+#include "Interrupted.h"
+#include "Output/RollPDFUserUnit.h"
+
+namespace orvex {
+
+namespace {
+
+void copyInto(platform::FileReplacer& copy, const platform::RandomAccessFile& file, const std::stop_token& stop) {
+    constexpr qint64 pieceBytes = 1 << 20;
+    for (qint64 offset = 0; offset < file.size(); offset += pieceBytes) {
+        platform::throwIfStopped(stop);
+        copy.write(file.bytesAt(offset, pieceBytes));
+    }
+}
+
+/// The patch itself may leave a half-updated file behind, so it works on a copy that replaces the file when it is done.
+void runUserUnit(const std::string& pdf, double value, const CommandContext& context) {
+    const QString path = argumentText(pdf);
+    const auto file = platform::RandomAccessFile::open(path);
+    auto copy = platform::FileReplacer::open(path);
+    copyInto(copy, file, context.stop);
+    RollPDFUserUnit::apply(value, copy.temporaryPath());
+    copy.commit();
+}
+
+} // namespace
+
+void addUserUnitCommand(CLI::App& app, CommandContext& context) {
+    CLI::App* command = app.add_subcommand(
+        "userunit", description("在原文件中为卷布 PDF 加入 UserUnit", "add a UserUnit to a roll PDF, in place"));
+    const auto pdf = std::make_shared<std::string>();
+    const auto value = std::make_shared<double>();
+    command
+        ->add_option("PDF", *pdf,
+                     description("本程序写出的、不含 UserUnit 的 PDF", "a PDF of this program, without a UserUnit"))
+        ->required()
+        ->type_name("");
+    command->add_option("VALUE", *value, description("单位，以 1/72 英寸计", "the unit, in 1/72 inch"))
+        ->required()
+        ->type_name("");
+    command->callback([pdf, value, &context] { runUserUnit(*pdf, *value, context); });
+}
+
+} // namespace orvex

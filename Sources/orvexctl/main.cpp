@@ -1,0 +1,37 @@
+#include "CommandLine.h"
+
+#include <QCoreApplication>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <clocale>
+#include <csignal>
+
+namespace {
+
+/// A standard stream that the caller has closed would be given to the next file that is opened, and what is said on it
+/// would end in that file.
+void openClosedStreams() {
+    int descriptor = 0;
+    do {
+        descriptor = ::open("/dev/null", O_RDONLY); // what is written there is refused, as it would be without
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    ::close(descriptor);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    openClosedStreams();
+    // Blocked in every thread; the one that waits for it turns it into a request to stop.
+    sigset_t interrupt;
+    sigemptyset(&interrupt);
+    sigaddset(&interrupt, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &interrupt, nullptr);
+    std::signal(SIGPIPE, SIG_IGN); // a closed pipe is a failed write, like any other
+
+    const QCoreApplication application(argc, argv);
+    std::setlocale(LC_NUMERIC, "C"); // numbers on the command line have a point in every locale
+    return orvex::runCommandLine(argc, argv);
+}

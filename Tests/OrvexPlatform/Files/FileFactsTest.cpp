@@ -1,0 +1,90 @@
+#include "Files/FileFacts.h"
+
+#include "Files/FileSystemError.h"
+#include "TemporaryFolder.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace orvex::platform {
+
+namespace {
+
+using test::TemporaryFolder;
+
+void setModified(const QString& path, time_t seconds, long nanoseconds) {
+    const struct timespec times[2] = {{.tv_sec = 0, .tv_nsec = UTIME_OMIT},
+                                      {.tv_sec = seconds, .tv_nsec = nanoseconds}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, path.toUtf8().constData(), times, 0), 0);
+}
+
+int failureFor(const QString& path) {
+    try {
+        static_cast<void>(FileFacts::read(path));
+    } catch (const FileSystemError& error) {
+        return error.code();
+    }
+    return 0;
+}
+
+} // namespace
+
+TEST(FileFacts, TellSizeAndTimeOfAFile) {
+    const TemporaryFolder folder;
+    const QString path = folder.write(QStringLiteral("file"), "12345");
+    setModified(path, 1'700'000'000, 123'456'789);
+    EXPECT_EQ(FileFacts::read(path), (FileFacts{true, 5, 1'700'000'000'123'456'789}));
+}
+
+TEST(FileFacts, AreNeverRemembered) {
+    const TemporaryFolder folder;
+    const QString path = folder.write(QStringLiteral("file"), "12345");
+    setModified(path, 1'700'000'000, 0);
+    const FileFacts before = FileFacts::read(path);
+    setModified(path, 1'700'000'000, 1);
+    EXPECT_NE(FileFacts::read(path), before) << "one nanosecond is a difference";
+    ASSERT_EQ(::truncate(path.toUtf8().constData(), 3), 0);
+    EXPECT_EQ(FileFacts::read(path).sizeBytes, 3);
+}
+
+TEST(FileFacts, KnowTimesBefore1970) {
+    const TemporaryFolder folder;
+    const QString path = folder.write(QStringLiteral("file"), {});
+    setModified(path, -2, 500'000'000);
+    EXPECT_EQ(FileFacts::read(path).modifiedNanoseconds, -1'500'000'000);
+}
+
+TEST(FileFacts, FollowLinks) {
+    const TemporaryFolder folder;
+    folder.write(QStringLiteral("file"), "12345");
+    const QString link = folder.path(QStringLiteral("link"));
+    ASSERT_EQ(::symlink("file", link.toUtf8().constData()), 0);
+    EXPECT_TRUE(FileFacts::read(link).isRegularFile);
+    EXPECT_EQ(FileFacts::read(link).sizeBytes, 5);
+}
+
+TEST(FileFacts, TellWhatIsNoRegularFile) {
+    const TemporaryFolder folder;
+    const QString fifo = folder.path(QStringLiteral("fifo"));
+    ASSERT_EQ(::mkfifo(fifo.toUtf8().constData(), 0600), 0);
+    EXPECT_FALSE(FileFacts::read(fifo).isRegularFile);
+    EXPECT_FALSE(FileFacts::read(folder.path()).isRegularFile);
+    EXPECT_FALSE(FileFacts::read(QStringLiteral("/dev/null")).isRegularFile);
+}
+
+TEST(FileFacts, AreRefusedWhereThereAreNone) {
+    const TemporaryFolder folder;
+    ASSERT_EQ(::symlink("missing", folder.path(QStringLiteral("link")).toUtf8().constData()), 0);
+    ASSERT_EQ(::symlink("loop", folder.path(QStringLiteral("loop")).toUtf8().constData()), 0);
+    EXPECT_EQ(failureFor(folder.path(QStringLiteral("missing"))), ENOENT);
+    EXPECT_EQ(failureFor(folder.path(QStringLiteral("link"))), ENOENT);
+    EXPECT_EQ(failureFor(folder.path(QStringLiteral("loop"))), ELOOP);
+    EXPECT_EQ(failureFor({}), ENOENT);
+    EXPECT_EQ(failureFor(folder.path() + QChar(u'\0')), ENOENT);
+}
+
+} // namespace orvex::platform
