@@ -2,6 +2,9 @@
 
 #include "Imaging/ImageError.h"
 
+#include <tiff.h>
+
+#include <algorithm>
 #include <array>
 #include <bit>
 
@@ -9,7 +12,12 @@ namespace orvex::platform {
 
 namespace {
 
-constexpr quint64 maximumEntries = 4096; // more than any writer knows tags
+constexpr quint64 maximumEntries = 4096;      // more than any writer knows tags
+constexpr quint64 largestIdleBytes = 1 << 20; // far more than any tag has that says how to decode
+
+/// The tags whose values may be large in a sound picture and are needed.
+constexpr std::array<quint16, 5> largeTags = {TIFFTAG_STRIPOFFSETS, TIFFTAG_STRIPBYTECOUNTS, TIFFTAG_TILEOFFSETS,
+                                              TIFFTAG_TILEBYTECOUNTS, TIFFTAG_ICCPROFILE};
 
 // TIFF 6.0, section 2, and the types of BigTIFF.
 enum FieldType : quint16 {
@@ -102,6 +110,7 @@ void TiffDirectory::readEntries(bool isBig) {
         Entry entry;
         entry.tag = required(reader.u16(at, order_));
         entry.type = required(reader.u16(at + 2, order_));
+        entry.typeField = {at + 2, sizeof(entry.type)};
         entry.count = requiredNumber(reader, at + 4, order_, isBig);
         const quint64 pointer = requiredNumber(reader, valueAt, order_, isBig);
         const quint64 size = valueBytes(entry.type);
@@ -133,6 +142,18 @@ bool TiffDirectory::holdsValues(const Entry& entry) const {
     const auto fileSize = static_cast<quint64>(file_->size());
     const quint64 size = valueBytes(entry.type);
     return size != 0 && entry.valueOffset <= fileSize && entry.count <= (fileSize - entry.valueOffset) / size;
+}
+
+std::vector<TiffDirectory::Range> TiffDirectory::idleTypes() const {
+    std::vector<Range> types;
+    for (const Entry& entry : entries_) {
+        const quint64 size = valueBytes(entry.type);
+        const bool isLarge = size != 0 && entry.count > largestIdleBytes / size;
+        if (isLarge && std::ranges::find(largeTags, entry.tag) == largeTags.end()) {
+            types.push_back(entry.typeField);
+        }
+    }
+    return types;
 }
 
 std::optional<quint64> TiffDirectory::firstInteger(quint32 tag) const {

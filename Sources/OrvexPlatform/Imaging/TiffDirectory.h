@@ -13,9 +13,16 @@ namespace orvex::platform {
 /// drops what it cannot use, silently at times; this is what the file really says. Immutable; any thread.
 class TiffDirectory {
 public:
+    /// Some bytes of the file.
+    struct Range {
+        quint64 offset = 0;
+        quint64 size = 0;
+    };
+
     struct Entry {
         quint16 tag = 0;
         quint16 type = 0;
+        Range typeField;
         quint64 count = 0;
         quint64 valueOffset = 0; ///< in the file, for values within the entry too
     };
@@ -29,6 +36,10 @@ public:
 
     /// Whether all values of an entry of a known type lie in the file.
     [[nodiscard]] bool holdsValues(const Entry& entry) const;
+
+    /// The type fields of the entries that have megabytes of values, as the layers of a layered picture, and say
+    /// nothing of how to decode. A type of 0 makes such an entry one that no reader can use.
+    [[nodiscard]] std::vector<Range> idleTypes() const;
 
     /// The first value of a tag of an unsigned integer type.
     [[nodiscard]] std::optional<quint64> firstInteger(quint32 tag) const;

@@ -14,7 +14,7 @@ namespace orvex::platform {
 namespace {
 
 /// What libtiff may allocate at once beyond the size of the file: its tables and line buffers. Strips and tiles as they
-/// stand in the file are never larger than that, and decoded ones go into our own memory.
+/// stand in the file are never larger than that, and decoded ones go into our own memory, as a rule.
 constexpr qint64 allocationAllowance = 64 << 20;
 
 /// Beginnings of the warnings at decoding that leave no pixel in doubt: a last strip that holds more rows than the
@@ -33,19 +33,34 @@ QString formatted(const char* module, const char* format, va_list arguments) {
                                         QString::fromUtf8(text.data()));
 }
 
+/// Puts zeros for what `bytes`, read at `position`, have of the ranges. libtiff would keep a copy of every tag's values
+/// for each handle, and passes over a tag of no type.
+void blank(const std::vector<TiffDirectory::Range>& ranges, quint64 position, std::span<std::byte> bytes) {
+    for (const auto& [offset, size] : ranges) {
+        const quint64 first = std::max(offset, position);
+        const quint64 end = std::min(offset + size, position + bytes.size());
+        if (first < end) {
+            std::ranges::fill(bytes.subspan(first - position, end - first), std::byte{0});
+        }
+    }
+}
+
 struct FreeOptions {
     void operator()(TIFFOpenOptions* options) const { TIFFOpenOptionsFree(options); }
 };
 
 } // namespace
 
-TiffHandle::TiffHandle(std::shared_ptr<const RandomAccessFile> file) : client_(std::make_unique<Client>()) {
+TiffHandle::TiffHandle(std::shared_ptr<const RandomAccessFile> file, const TiffDirectory& directory,
+                       qint64 decodedBytes)
+    : client_(std::make_unique<Client>()) {
     client_->file = std::move(file);
+    client_->idleTypes = directory.idleTypes();
     const std::unique_ptr<TIFFOpenOptions, FreeOptions> options(TIFFOpenOptionsAlloc());
     if (!options) {
         throw std::bad_alloc();
     }
-    TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), client_->file->size() + allocationAllowance);
+    TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), client_->file->size() + allocationAllowance + decodedBytes);
     TIFFOpenOptionsSetErrorHandlerExtR(options.get(), &onError, client_.get());
     TIFFOpenOptionsSetWarningHandlerExtR(options.get(), &onWarning, client_.get());
     // m: never mapped. c: a single uncompressed strip is not chopped up into millions. O: the tables of strips and
@@ -71,6 +86,9 @@ tmsize_t TiffHandle::readBytes(thandle_t client, void* buffer, tmsize_t size) {
     try {
         const std::span bytes(static_cast<std::byte*>(buffer), static_cast<std::size_t>(size));
         const qint64 count = self.file->readAt(static_cast<qint64>(self.position), bytes);
+        if (!self.isReadingPixels) {
+            blank(self.idleTypes, self.position, bytes.first(static_cast<std::size_t>(count)));
+        }
         self.position += static_cast<quint64>(count);
         return count;
     } catch (...) {

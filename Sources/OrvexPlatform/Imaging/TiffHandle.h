@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Files/RandomAccessFile.h"
+#include "Imaging/TiffDirectory.h"
 
 #include <QString>
 
@@ -11,6 +12,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <vector>
 
 namespace orvex::platform {
 
@@ -27,8 +29,9 @@ public:
         qint64 byteCount = 0;
     };
 
-    /// The directory must have been found sound before: the tags of a hostile one may fill the memory.
-    explicit TiffHandle(std::shared_ptr<const RandomAccessFile> file);
+    /// The directory is the file's; reading it has shown that its tags do not fill the memory. `decodedBytes` is what a
+    /// decoder that keeps its segment's pixels to itself may hold of them.
+    TiffHandle(std::shared_ptr<const RandomAccessFile> file, const TiffDirectory& directory, qint64 decodedBytes = 0);
 
     [[nodiscard]] TIFF* get() const { return tiff_.get(); }
 
@@ -60,6 +63,7 @@ public:
 private:
     struct Client {
         std::shared_ptr<const RandomAccessFile> file;
+        std::vector<TiffDirectory::Range> idleTypes;
         quint64 position = 0;
         bool isReadingPixels = false;
         QString problem;                ///< the first one reported

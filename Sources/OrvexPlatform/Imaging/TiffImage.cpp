@@ -181,7 +181,7 @@ private:
 
 std::unique_ptr<ImageSource> openTiff(std::shared_ptr<const RandomAccessFile> file) {
     const TiffDirectory directory = TiffDirectory::read(file);
-    TiffHandle handle(file);
+    TiffHandle handle(file, directory);
     return std::make_unique<TiffImage>(std::move(file), directory, handle);
 }
 

@@ -17,7 +17,9 @@ using SharedFile = std::shared_ptr<const RandomAccessFile>;
 
 TiffHandle reopen(const SharedFile& file, const TiffLayout& layout) {
     const TiffDirectory directory = TiffDirectory::read(file);
-    TiffHandle handle(file);
+    // The decoder of WebP has the pixels of a whole segment in its own memory before it hands over any.
+    const bool holdsSegment = layout.compression == COMPRESSION_WEBP;
+    TiffHandle handle(file, directory, holdsSegment ? layout.segmentBytes(layout.segmentHeight) : 0);
     if (TiffLayout::read(handle, directory, file->size()) != layout) {
         throw ImageError(QStringLiteral("the TIFF file has changed"));
     }

@@ -362,6 +362,30 @@ TEST_F(TiffDamage, BombsAreRefusedAtOnceAndWithoutMemory) {
     EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 32 * 1024); // KiB
 }
 
+TEST_F(TiffDamage, AGigabyteThatIsNoPixelTakesNoMemory) {
+    constexpr quint64 layerBytes = 1 << 30; // what editors keep of a layered picture, in a tag of their own
+    constexpr quint16 layerTag = 37724;
+    for (const bool isBig : {false, true}) {
+        for (const bool isBigEndian : {false, true}) {
+            SCOPED_TRACE(std::to_string(isBig) + std::to_string(isBigEndian));
+            TiffBytes tiff = picture(Shape::strips, isBigEndian, isBig);
+            const std::optional<QByteArray> expected = rowsOf(tiff.bytes());
+            const QByteArray pointer = isBig ? QByteArray(8, '\0') : QByteArray(4, '\0');
+            const QString path = write(tiff.setRaw(layerTag, 7, layerBytes, pointer).bytes());
+            ASSERT_TRUE(QFile::resize(path, qint64{layerBytes} + (1 << 20))); // the values are all of it
+
+            struct rusage before {};
+
+            struct rusage after {};
+
+            ASSERT_EQ(getrusage(RUSAGE_SELF, &before), 0);
+            EXPECT_EQ(allRows(ImageSource::open(path)->full()), expected);
+            ASSERT_EQ(getrusage(RUSAGE_SELF, &after), 0);
+            EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 32 * 1024); // KiB
+        }
+    }
+}
+
 TEST_F(TiffDamage, ALoopOfDirectoriesIsNeverWalked) {
     TiffBytes tiff = TiffBytes::plain(2, 1, 1, "ab");
     tiff.next(tiff.directoryOffset());

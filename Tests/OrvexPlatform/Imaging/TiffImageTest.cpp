@@ -338,6 +338,28 @@ TEST(TiffImage, ReadsWebPWithoutLoss) {
     }
 }
 
+TEST(TiffImage, ReadsAWebPStripOfFarMorePixelsThanTheFileHasBytes) {
+    const TemporaryFolder folder;
+    const QString path = folder.path(QStringLiteral("picture.tif"));
+    constexpr quint32 side = 5000;
+    QByteArray pixels; // 75 MB; the file has some kilobytes
+    for (quint32 row = 0; row < side; ++row) {
+        pixels += QByteArray(qsizetype{side} * 3, static_cast<char>(row * row % 251));
+    }
+    const std::unique_ptr<TIFF, decltype(&TIFFClose)> tiff(TIFFOpen(path.toUtf8().constData(), "w"), &TIFFClose);
+    for (const auto& [tag, value] :
+         {std::pair(TIFFTAG_IMAGEWIDTH, side), std::pair(TIFFTAG_IMAGELENGTH, side),
+          std::pair(TIFFTAG_ROWSPERSTRIP, side), std::pair(TIFFTAG_SAMPLESPERPIXEL, 3U),
+          std::pair(TIFFTAG_BITSPERSAMPLE, 8U), std::pair(TIFFTAG_PLANARCONFIG, quint32{PLANARCONFIG_CONTIG}),
+          std::pair(TIFFTAG_PHOTOMETRIC, quint32{PHOTOMETRIC_RGB}),
+          std::pair(TIFFTAG_COMPRESSION, quint32{COMPRESSION_WEBP}), std::pair(TIFFTAG_WEBP_LOSSLESS, 1U)}) {
+        ASSERT_EQ(TIFFSetField(tiff.get(), static_cast<quint32>(tag), value), 1);
+    }
+    ASSERT_EQ(TIFFWriteEncodedStrip(tiff.get(), 0, QByteArray(pixels).data(), pixels.size()), pixels.size());
+    ASSERT_EQ(TIFFFlush(tiff.get()), 1);
+    ASSERT_TRUE(allRows(ImageSource::open(path)->full()) == pixels);
+}
+
 namespace {
 
 /// How far the samples of two 8-bit pictures are apart at most.
