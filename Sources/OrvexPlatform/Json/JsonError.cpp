@@ -1,11 +1,13 @@
 #include "Json/JsonError.h"
 
+#include "OrvexLanguage.h"
+
 namespace orvex::platform {
 
 namespace {
 
 QString compose(const QString& keyPath, const QString& description) {
-    return keyPath.isEmpty() ? description : QStringLiteral("%1: %2").arg(keyPath, description);
+    return keyPath.isEmpty() ? description : spt("%1：%2", "%1: %2").arg(keyPath, description);
 }
 
 } // namespace

@@ -28,6 +28,14 @@ std::optional<double> nonFiniteNumber(const QString& text) {
     return std::nullopt;
 }
 
+/// The text with every byte order mark but one at its start spelled as an escape: Qt drops one that begins a string.
+QByteArray withSpelledMarks(QByteArrayView utf8) {
+    constexpr QByteArrayView mark = "\xEF\xBB\xBF";
+    const QByteArrayView text = utf8.startsWith(mark) ? utf8.sliced(mark.size()) : utf8;
+    const QByteArray bytes = QByteArray::fromRawData(text.data(), text.size());
+    return bytes.contains(mark) ? QByteArray(bytes).replace(mark, "\\ufeff") : bytes;
+}
+
 QJsonValue topValue(const QJsonDocument& document) {
     return document.isArray() ? QJsonValue(document.array()) : QJsonValue(document.object());
 }
@@ -36,7 +44,7 @@ QJsonValue topValue(const QJsonDocument& document) {
 
 JsonReader JsonReader::parse(QByteArrayView utf8, JsonNumbers numbers) {
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(QByteArray::fromRawData(utf8.data(), utf8.size()), &error);
+    const QJsonDocument document = QJsonDocument::fromJson(withSpelledMarks(utf8), &error);
     if (error.error != QJsonParseError::NoError) {
         throw JsonError({}, spt("内容不是有效的 JSON（第 %1 字节处）。", "Not valid JSON (at byte %1).")
                                 .arg(QString::number(error.offset)));

@@ -166,8 +166,8 @@ TEST(JsonReader, demandsTheType) {
 
 TEST(JsonReader, failsInChinese) {
     OrvexLanguage::setConfigured(QStringLiteral("zh-Hans"));
-    EXPECT_EQ(failureOf([] { (void)value("1").text(); }), "v: 应为文本。");
-    EXPECT_EQ(failureOf([] { (void)parse("{}").at("a"); }), "a: 缺少必需的键。");
+    EXPECT_EQ(failureOf([] { (void)value("1").text(); }), "v：应为文本。");
+    EXPECT_EQ(failureOf([] { (void)parse("{}").at("a"); }), "a：缺少必需的键。");
     OrvexLanguage::setConfigured(QStringLiteral("en"));
 }
 
@@ -224,6 +224,14 @@ TEST(JsonReader, readsNumbersToTheLastBit) {
     EXPECT_EQ(value("9223372036854775808").number(), 9223372036854775808.0);
     EXPECT_EQ(value("5e-324").number(), std::numeric_limits<double>::denorm_min());
     EXPECT_EQ(value("-0.0").number(), 0.0);
+}
+
+TEST(JsonReader, keepsAByteOrderMarkThatATextBeginsWith) {
+    const JsonReader reader = parse("\uFEFF{\"a\":[\"\uFEFFx\uFEFF\",\"\\uFEFF\"],\"\uFEFFb\":1}");
+    EXPECT_EQ(reader.at("a").element(0).text(), u"\uFEFFx\uFEFF");
+    EXPECT_EQ(reader.at("a").element(1).text(), u"\uFEFF");
+    EXPECT_EQ(reader.members()[1].first, u"\uFEFFb");
+    EXPECT_NE(failureOf([] { (void)parse("{\uFEFF\"a\":1}"); }), "(none)");
 }
 
 TEST(JsonReader, readsTextsForNumbersThatJsonLacksOnlyWhereAsked) {
