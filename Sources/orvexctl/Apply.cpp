@@ -54,7 +54,7 @@ QJsonObject answerParsed(const platform::JsonReader& request) {
     try {
         const ApplyOperation operation = operationNamed(request.at("op"));
         const auto args = request.find("args");
-        const auto none = platform::JsonReader::parse("{}");
+        const auto none = platform::JsonReader::parse(R"({"args":{}})").at("args");
         return succeeded(id, operation({.args = args.value_or(none), .layoutJson = request.find("layout")}));
     } catch (const platform::JsonError& error) {
         return wrongUsage(id, error.message());

@@ -2,13 +2,7 @@
 #include "CommandFiles.h"
 #include "CommandText.h"
 #include "Commands.h"
-#include "Files/FileSystemError.h"
 #include "OrvexLanguage.h"
-
-#include <unistd.h>
-
-#include <array>
-#include <cerrno>
 
 namespace orvex {
 
@@ -22,20 +16,7 @@ const QString standardOutput = QStringLiteral("-");
 class LineLoop {
 public:
     void run() {
-        std::array<char, 65536> piece{};
-        while (true) {
-            const ssize_t count = ::read(STDIN_FILENO, piece.data(), piece.size());
-            if (count < 0 && errno == EINTR) {
-                continue;
-            }
-            if (count < 0) {
-                throw platform::FileSystemError::last(QStringLiteral("-"));
-            }
-            if (count == 0) {
-                break;
-            }
-            take(QByteArrayView(piece.data(), count));
-        }
+        readStandardInput([this](QByteArrayView piece) { take(piece); });
         if (!line_.isEmpty() || isTooLong_) {
             endLine();
         }

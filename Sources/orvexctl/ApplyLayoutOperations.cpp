@@ -17,7 +17,7 @@ template <typename Value>
 Value named(const JsonReader& json, const std::map<QString, Value>& values) {
     const auto found = values.find(json.text());
     if (found == values.end()) {
-        json.fail(spt("不认识的取值 %1。", "Unknown value %1.").arg(json.text()));
+        json.fail(spt("无效的取值：%1。", "Unknown value %1.").arg(json.text()));
     }
     return found->second;
 }

@@ -1,7 +1,7 @@
 #include "CommandFiles.h"
 #include "CommandText.h"
 #include "Commands.h"
-#include "Files/Paths.h"
+#include "InputFile.h"
 #include "Output/NativePrintDocument.h"
 
 #include <QJsonObject>
@@ -17,8 +17,9 @@ struct CheckOptions {
 };
 
 void runCheck(const CheckOptions& options) {
-    const NativePrintSource source = NativePrintFactory::openDocument(platform::fileUrl(argumentText(options.pdf)),
-                                                                      options.widthInches, options.heightInches);
+    const InputFile file(argumentText(options.pdf));
+    const NativePrintSource source =
+        NativePrintFactory::openDocument(file.url(), options.widthInches, options.heightInches);
     printResult(QJsonObject{{QStringLiteral("widthInches"), source.geometry.widthInches()},
                             {QStringLiteral("heightInches"), source.geometry.heightInches()},
                             {QStringLiteral("userUnit"), source.geometry.userUnit}});
@@ -33,9 +34,9 @@ void addCheckCommand(CLI::App& app, CommandContext&) {
     const auto options = std::make_shared<CheckOptions>();
     command->add_option("PDF", options->pdf, description("卷布 PDF", "the roll PDF"))->required()->type_name("");
     CLI::Option* width = command->add_option("--width-inches", options->widthInches,
-                                             description("应有的宽度", "the width it must have"));
+                                             description("预期宽度（英寸）", "the width it must have, in inches"));
     CLI::Option* height = command->add_option("--height-inches", options->heightInches,
-                                              description("应有的高度", "the height it must have"));
+                                              description("预期高度（英寸）", "the height it must have, in inches"));
     width->type_name("W")->needs(height);
     height->type_name("H")->needs(width);
     command->callback([options] { runCheck(*options); });

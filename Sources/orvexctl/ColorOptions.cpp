@@ -27,7 +27,7 @@ void ColorOptions::addTo(CLI::App& command) {
         ->needs(profile);
     command.add_flag(
         "--driver-correction-off", isDriverCorrectionOff,
-        description("确认驱动自身的色彩校正已关闭", "confirm that the driver's own colour correction is off"));
+        description("确认驱动自身的颜色校正已关闭", "confirm that the driver's own colour correction is off"));
 }
 
 ColorWorkflow ColorOptions::workflow() const {

@@ -22,25 +22,15 @@ namespace {
 
 const QString standardStreamName = QStringLiteral("-");
 
-QByteArray readStandardInput(qint64 limitBytes) {
+QByteArray wholeStandardInput(qint64 limitBytes) {
     QByteArray content;
-    std::array<char, 65536> piece{};
-    while (true) {
-        const ssize_t count = ::read(STDIN_FILENO, piece.data(), piece.size());
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count < 0) {
-            throw platform::FileSystemError::last(standardStreamName);
-        }
-        if (count == 0) {
-            return content;
-        }
-        content.append(piece.data(), count);
+    readStandardInput([&](QByteArrayView piece) {
+        content.append(piece);
         if (content.size() > limitBytes) {
             throw platform::FileSystemError(EFBIG, standardStreamName);
         }
-    }
+    });
+    return content;
 }
 
 void writeStandardOutput(QByteArrayView bytes) {
@@ -66,8 +56,25 @@ bool isStandardStream(const QString& path) {
     return path == standardStreamName;
 }
 
+void readStandardInput(const std::function<void(QByteArrayView)>& take) {
+    std::array<char, 65536> piece{};
+    while (true) {
+        const ssize_t count = ::read(STDIN_FILENO, piece.data(), piece.size());
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count < 0) {
+            throw platform::FileSystemError::last(standardStreamName);
+        }
+        if (count == 0) {
+            return;
+        }
+        take(QByteArrayView(piece.data(), count));
+    }
+}
+
 QByteArray readInput(const QString& path, qint64 limitBytes) {
-    return isStandardStream(path) ? readStandardInput(limitBytes) : platform::readWholeFile(path, limitBytes);
+    return isStandardStream(path) ? wholeStandardInput(limitBytes) : platform::readWholeFile(path, limitBytes);
 }
 
 void writeOutput(const QString& path, QByteArrayView bytes) {

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QJsonValue>
 #include <QList>
 #include <QString>
 #include <QUrl>
 
+#include <functional>
 #include <string>
 
 namespace orvex {
@@ -15,6 +17,9 @@ namespace orvex {
 
 /// Whether a file argument means standard input or output.
 [[nodiscard]] bool isStandardStream(const QString& path);
+
+/// Hands over standard input, piece by piece as it comes, until its end. Raises FileSystemError.
+void readStandardInput(const std::function<void(QByteArrayView)>& take);
 
 /// All bytes of a file or of standard input. Raises FileSystemError, also for more than `limitBytes`.
 [[nodiscard]] QByteArray readInput(const QString& path, qint64 limitBytes);

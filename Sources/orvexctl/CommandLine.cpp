@@ -28,8 +28,10 @@ int usageStatus(const CLI::App& app, const CLI::ParseError& error) {
     if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
         return app.exit(error); // help was asked for
     }
-    std::cerr << error.what() << "\n"
-              << "usage: orvexctl [--language en|zh-Hans] COMMAND ... (--help tells more)\n";
+    // What exactly is wrong, the parser tells in English alone.
+    printError(spt("用法错误（%1）", "%1").arg(QString::fromLocal8Bit(error.what())));
+    printError(spt("用法：orvexctl [--language en|zh-Hans] COMMAND ...（--help 显示更多）",
+                   "usage: orvexctl [--language en|zh-Hans] COMMAND ... (--help tells more)"));
     return exitUsage;
 }
 
@@ -56,12 +58,25 @@ void addCommands(CLI::App& app, CommandContext& context) {
     addApplyCommand(app, context);
 }
 
+/// The language that the arguments ask for; empty if none.
+std::string languageTag(const std::vector<std::string>& arguments) {
+    const std::string flag = "--language";
+    for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
+        if (*argument == flag && argument + 1 != arguments.end()) {
+            return argument[1];
+        }
+        if (argument->starts_with(flag + '=')) {
+            return argument->substr(flag.size() + 1);
+        }
+    }
+    return {};
+}
+
 /// The help texts are made before the arguments are parsed, so their language is looked for first.
 void useLanguageOfArguments(int argc, const char* const* argv) {
-    const std::vector<std::string> arguments(argv, argv + argc);
-    const auto flag = std::find(arguments.begin(), arguments.end(), "--language");
-    if (flag != arguments.end() && flag + 1 != arguments.end() && (flag[1] == "en" || flag[1] == "zh-Hans")) {
-        useLanguage(flag[1]);
+    const std::string tag = languageTag({argv, argv + argc});
+    if (tag == "en" || tag == "zh-Hans") {
+        useLanguage(tag);
     }
 }
 
@@ -69,10 +84,10 @@ int run(int argc, const char* const* argv) {
     const Interruption interruption;
     useLanguageOfArguments(argc, argv);
     CommandContext context{.stop = interruption.token()};
-    CLI::App app(spt("为 60 英寸画布卷材打印机准备大幅面作品。",
-                     "Prepares large-format artwork for a 60-inch canvas roll printer.")
-                     .toStdString(),
-                 "orvexctl");
+    CLI::App app(
+        spt("为 60 英寸卷布打印机准备大幅面作品。", "Prepares large-format artwork for a 60-inch canvas roll printer.")
+            .toStdString(),
+        "orvexctl");
     addCommands(app, context);
     try {
         app.parse(argc, argv);
@@ -88,7 +103,8 @@ QString unexpectedFailure(const std::exception& exception) {
     if (dynamic_cast<const std::bad_alloc*>(&exception) != nullptr) {
         return spt("内存不足。", "Not enough memory.");
     }
-    return spt("系统资源不足或发生意外错误：%1", "The system is short of resources, or something unexpected failed: %1")
+    return spt("系统资源不足或发生意外错误：%1。",
+               "The system is short of resources, or something unexpected failed: %1")
         .arg(QString::fromLocal8Bit(exception.what()));
 }
 

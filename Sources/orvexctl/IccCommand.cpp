@@ -28,7 +28,7 @@ void runIcc(const std::string& file) {
 
 void addIccCommand(CLI::App& app, CommandContext&) {
     CLI::App* command =
-        app.add_subcommand("icc", description("说明输出 ICC 配置文件的内容", "tell what an output ICC profile is"));
+        app.add_subcommand("icc", description("查看输出 ICC 配置文件的信息", "tell what an output ICC profile is"));
     const auto file = std::make_shared<std::string>();
     command->add_option("FILE", *file, description("配置文件", "the profile"))->required()->type_name("");
     command->callback([file] { runIcc(*file); });

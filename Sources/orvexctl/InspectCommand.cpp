@@ -4,6 +4,8 @@
 #include "Commands.h"
 #include "Failure.h"
 #include "Files/Paths.h"
+#include "InputFile.h"
+#include "Interrupted.h"
 #include "Json/JsonWriter.h"
 #include "Output/ImageMetadata.h"
 #include "Sha256.h"
@@ -15,8 +17,8 @@ namespace orvex {
 
 namespace {
 
-QJsonObject describe(const ImageMetadata& metadata) {
-    QJsonObject json{{QStringLiteral("url"), platform::urlText(metadata.url)},
+QJsonObject describe(const QString& url, const ImageMetadata& metadata) {
+    QJsonObject json{{QStringLiteral("url"), url},
                      {QStringLiteral("pixelWidth"), metadata.pixelWidth},
                      {QStringLiteral("pixelHeight"), metadata.pixelHeight},
                      {QStringLiteral("profileName"), metadata.profileName},
@@ -34,12 +36,15 @@ QJsonObject describe(const ImageMetadata& metadata) {
 void runInspect(const std::vector<std::string>& images, CommandContext& context) {
     QJsonArray answers;
     for (const std::string& image : images) {
-        const QUrl url = platform::fileUrl(argumentText(image));
+        platform::throwIfStopped(context.stop);
+        const QString path = argumentText(image);
+        // What comes through a pipe has no place of its own; that of the temporary file would tell nothing.
+        const QString url = isStandardStream(path) ? path : platform::urlText(platform::fileUrl(path));
         try {
-            answers.append(describe(ImageMetadata::load(url)));
+            const InputFile file(path);
+            answers.append(describe(url, ImageMetadata::load(file.url())));
         } catch (const Failure& failure) {
-            answers.append(QJsonObject{{QStringLiteral("url"), platform::urlText(url)},
-                                       {QStringLiteral("error"), failure.message()}});
+            answers.append(QJsonObject{{QStringLiteral("url"), url}, {QStringLiteral("error"), failure.message()}});
             context.exitStatus = exitRefused;
         }
     }
@@ -49,7 +54,7 @@ void runInspect(const std::vector<std::string>& images, CommandContext& context)
 } // namespace
 
 void addInspectCommand(CLI::App& app, CommandContext& context) {
-    CLI::App* command = app.add_subcommand("inspect", description("说明图像文件的内容", "tell what image files are"));
+    CLI::App* command = app.add_subcommand("inspect", description("查看图像文件的信息", "tell what image files are"));
     const auto images = std::make_shared<std::vector<std::string>>();
     command->add_option("IMAGE", *images, description("JPEG、PNG、TIFF 或 HEIC 文件", "JPEG, PNG, TIFF or HEIC files"))
         ->required()

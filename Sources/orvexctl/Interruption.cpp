@@ -24,7 +24,20 @@ sigset_t signals(std::initializer_list<int> numbers) {
     return set;
 }
 
+/// A blocked signal arrives even if the caller has it ignored: one that is to outlive its terminal is left alone.
+sigset_t endingSignals() {
+    struct sigaction hangup {};
+
+    const bool isHangupIgnored = ::sigaction(SIGHUP, nullptr, &hangup) == 0 && hangup.sa_handler == SIG_IGN;
+    return isHangupIgnored ? signals({SIGINT, SIGTERM}) : signals({SIGINT, SIGTERM, SIGHUP});
+}
+
 } // namespace
+
+void Interruption::blockSignals() {
+    const sigset_t ending = endingSignals();
+    pthread_sigmask(SIG_BLOCK, &ending, nullptr);
+}
 
 Interruption::Interruption() {
     const sigset_t wake = signals({wakeSignal});
@@ -39,9 +52,10 @@ Interruption::~Interruption() {
 }
 
 void Interruption::watch() {
-    const sigset_t awaited = signals({SIGINT, wakeSignal});
+    sigset_t awaited = endingSignals();
+    sigaddset(&awaited, wakeSignal);
     int received = 0;
-    while (sigwait(&awaited, &received) == 0 && received != SIGINT) {
+    while (sigwait(&awaited, &received) == 0 && received == wakeSignal) {
         if (ended_.stop_requested()) {
             return;
         }

@@ -5,10 +5,13 @@
 
 namespace orvex {
 
-/// Turns SIGINT, which must be blocked in all threads, into a stop request. A command that does not end within the
-/// grace time is ended with the process; its temporary files are removed first.
+/// Turns the signals that ask a program to end (SIGINT, SIGTERM, SIGHUP) into a stop request. A command that does not
+/// end within the grace time is ended with the process; its temporary files are removed first.
 class Interruption {
 public:
+    /// Blocks these signals, so that only the watching thread receives them. To be called before any thread is made.
+    static void blockSignals();
+
     Interruption();
     ~Interruption();
     Interruption(const Interruption&) = delete;

@@ -5,6 +5,8 @@
 #include "Files/RandomAccessFile.h"
 #include "Files/TemporaryFolder.h"
 #include "Imaging/PngWriter.h"
+#include "InputFile.h"
+#include "Interrupted.h"
 #include "LayoutFile.h"
 #include "Output/RollPDFRenderer.h"
 #include "PDF/PdfView.h"
@@ -14,17 +16,13 @@ namespace orvex {
 
 namespace {
 
-constexpr qint64 largestInputBytes = 1 << 30; // of a layout, or of a PDF that comes through a pipe
+constexpr QByteArrayView pdfMark = "%PDF-";
 
 struct PreviewOptions {
     std::string input;
     std::string output;
     int pixels = 2400;
 };
-
-bool isPdf(QByteArrayView head) {
-    return head.startsWith("%PDF-");
-}
 
 QByteArray pngOf(const QString& pdfPath, int longerSidePixels) {
     const platform::PdfPicture picture = platform::PdfView::renderPage(pdfPath, longerSidePixels);
@@ -33,11 +31,20 @@ QByteArray pngOf(const QString& pdfPath, int longerSidePixels) {
 }
 
 /// A picture of the layout is the picture of the PDF that it becomes.
-QByteArray pngOfLayout(const LayoutFile& file, const platform::TemporaryFolder& folder, const PreviewOptions& options,
-                       const CommandContext& context) {
+QByteArray pngOfLayout(const LayoutFile& file, int longerSidePixels, const std::stop_token& stop) {
+    const platform::TemporaryFolder folder;
     const QString pdf = folder.filePath(QStringLiteral("roll.pdf"));
-    (void)RollPDFRenderer::render(file.layout, rollTitle({}), platform::fileUrl(pdf), {}, std::nullopt, context.stop);
-    return pngOf(pdf, options.pixels);
+    (void)RollPDFRenderer::render(file.layout, rollTitle({}), platform::fileUrl(pdf), {}, std::nullopt, stop);
+    return pngOf(pdf, longerSidePixels);
+}
+
+QByteArray pngOfInput(const QString& path, const PreviewOptions& options, const std::stop_token& stop) {
+    if (platform::RandomAccessFile::open(path).bytesAt(0, pdfMark.size()) == pdfMark) {
+        return pngOf(path, options.pixels);
+    }
+    const LayoutFile file = LayoutFile::read(path);
+    refuseOverwriting(argumentText(options.output), file.sources());
+    return pngOfLayout(file, options.pixels, stop);
 }
 
 void runPreview(const PreviewOptions& options, const CommandContext& context) {
@@ -45,28 +52,17 @@ void runPreview(const PreviewOptions& options, const CommandContext& context) {
     const QString output = argumentText(options.output);
     if (!isStandardStream(input)) {
         refuseOverwriting(output, {platform::fileUrl(input)});
-        if (isPdf(platform::RandomAccessFile::open(input).bytesAt(0, 5))) {
-            writeOutput(output, pngOf(input, options.pixels));
-            return;
-        }
     }
-    const platform::TemporaryFolder folder;
-    const QByteArray content = readInput(input, largestInputBytes);
-    if (isPdf(content)) {
-        const QString pdf = folder.filePath(QStringLiteral("input.pdf"));
-        writeOutput(pdf, content);
-        writeOutput(output, pngOf(pdf, options.pixels));
-        return;
-    }
-    const LayoutFile file = LayoutFile::parse(content);
-    refuseOverwriting(output, file.sources());
-    writeOutput(output, pngOfLayout(file, folder, options, context));
+    const InputFile file(input);
+    const QByteArray png = pngOfInput(file.path(), options, context.stop);
+    platform::throwIfStopped(context.stop); // the drawing itself cannot be stopped
+    writeOutput(output, png);
 }
 
 } // namespace
 
 void addPreviewCommand(CLI::App& app, CommandContext& context) {
-    CLI::App* command = app.add_subcommand("preview", description("生成卷布的图片", "make a picture of a roll"));
+    CLI::App* command = app.add_subcommand("preview", description("生成卷布预览图", "make a picture of a roll"));
     const auto options = std::make_shared<PreviewOptions>();
     command
         ->add_option("INPUT", options->input,

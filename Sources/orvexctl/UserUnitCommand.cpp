@@ -21,10 +21,15 @@ void copyInto(platform::FileReplacer& copy, const platform::RandomAccessFile& fi
 /// The patch itself may leave a half-updated file behind, so it works on a copy that replaces the file when it is done.
 void runUserUnit(const std::string& pdf, double value, const CommandContext& context) {
     const QString path = argumentText(pdf);
+    if (isStandardStream(path)) {
+        throw CLI::ValidationError("PDF", description("UserUnit 写入原文件，不能使用标准输入",
+                                                      "the file is changed in place; standard input cannot be"));
+    }
     const auto file = platform::RandomAccessFile::open(path);
     auto copy = platform::FileReplacer::open(path);
     copyInto(copy, file, context.stop);
     RollPDFUserUnit::apply(value, copy.temporaryPath());
+    platform::throwIfStopped(context.stop);
     copy.commit();
 }
 
@@ -40,7 +45,7 @@ void addUserUnitCommand(CLI::App& app, CommandContext& context) {
                      description("本程序写出的、不含 UserUnit 的 PDF", "a PDF of this program, without a UserUnit"))
         ->required()
         ->type_name("");
-    command->add_option("VALUE", *value, description("单位，以 1/72 英寸计", "the unit, in 1/72 inch"))
+    command->add_option("VALUE", *value, description("UserUnit 的值（以 1/72 英寸为单位）", "the unit, in 1/72 inch"))
         ->required()
         ->type_name("");
     command->callback([pdf, value, &context] { runUserUnit(*pdf, *value, context); });

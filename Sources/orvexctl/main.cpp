@@ -1,4 +1,5 @@
 #include "CommandLine.h"
+#include "Interruption.h"
 
 #include <QCoreApplication>
 
@@ -24,11 +25,7 @@ void openClosedStreams() {
 
 int main(int argc, char** argv) {
     openClosedStreams();
-    // Blocked in every thread; the one that waits for it turns it into a request to stop.
-    sigset_t interrupt;
-    sigemptyset(&interrupt);
-    sigaddset(&interrupt, SIGINT);
-    pthread_sigmask(SIG_BLOCK, &interrupt, nullptr);
+    orvex::Interruption::blockSignals();
     std::signal(SIGPIPE, SIG_IGN); // a closed pipe is a failed write, like any other
 
     const QCoreApplication application(argc, argv);

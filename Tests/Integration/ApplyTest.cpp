@@ -104,6 +104,11 @@ TEST(Apply, tellsWrongUsageFromARefusal) {
     }
 }
 
+TEST(Apply, namesAMissingArgumentByItsPlaceEvenWithoutAnyArguments) {
+    EXPECT_EQ(answer(R"({"id":1,"op":"remove","layout":{"schemaVersion":1,"items":[]}})")[q("error")],
+              q("args.id: The required key is missing."));
+}
+
 TEST(Apply, goesOnAfterALineThatIsNone) {
     EXPECT_EQ(answers("nonsense\n"
                       R"({"id":2,"op":"parseDecimalInput","args":{"text":" 1,5 ","locale":"de_DE"}})")

@@ -132,6 +132,16 @@ TEST_F(Commands, inspectAnswersForEveryImage) {
     EXPECT_EQ(answers[1].toObject().keys(), (QStringList{q("error"), q("url")}));
 }
 
+TEST_F(Commands, inspectReadsAnImageFromStandardInput) {
+    const QString file = image("a.tif");
+    const CommandResult named = runCommand({q("inspect"), file});
+    const CommandResult piped = runCommand({q("inspect"), q("-")}, test::TemporaryFolder::read(file));
+    EXPECT_EQ(piped.status, 0) << piped.errors.toStdString();
+    QJsonObject expected = named.json().array().first().toObject();
+    expected.insert(q("url"), q("-"));
+    EXPECT_EQ(piped.json().array().first().toObject(), expected);
+}
+
 TEST_F(Commands, iccTellsTheFiveFieldsOfAProfile) {
     folder_.write(q("srgb.icc"), platform::sRgbProfileData());
     const CommandResult result = runCommand({q("icc"), path("srgb.icc")});
@@ -227,6 +237,16 @@ TEST_F(Commands, checkRefusesAPageOfAnotherSize) {
                   q("Cannot read the PDF to print. The original file and job record were kept."));
 }
 
+TEST_F(Commands, checkReadsAPdfFromStandardInput) {
+    ASSERT_EQ(runCommand({q("roll"), image("a.tif"), q("-o"), path("roll.pdf")}).status, 0);
+    const CommandResult result = runCommand({q("check"), q("-")}, test::TemporaryFolder::read(path("roll.pdf")));
+    EXPECT_EQ(result.status, 0) << result.errors.toStdString();
+    EXPECT_EQ(result.json().object(),
+              (QJsonObject{{q("widthInches"), 60}, {q("heightInches"), 7}, {q("userUnit"), 1}}));
+    expectRefused(runCommand({q("check"), q("-")}, "no PDF"),
+                  q("Cannot read the PDF to print. The original file and job record were kept."));
+}
+
 TEST_F(Commands, previewDrawsAPdfAndALayoutAlike) {
     ASSERT_EQ(
         runCommand({q("roll"), image("a.tif"), q("-o"), path("roll.pdf"), q("--layout-out"), path("roll.json")}).status,
@@ -249,6 +269,7 @@ TEST_F(Commands, wrongUsageHasAStatusOfItsOwn) {
           {q("inspect")},
           {q("check"), q("a.pdf"), q("--width-inches"), q("60")},
           {q("render"), q("-"), q("-o"), q("x.pdf"), q("--intent"), q("vivid"), q("--output-icc"), q("y")},
+          {q("userunit"), q("-"), q("2")},
           {q("preview"), q("a.pdf"), q("-o"), q("a.png"), q("--pixels"), q("0")}}) {
         const CommandResult result = runCommand(arguments);
         EXPECT_EQ(result.status, 2) << arguments.join(u' ').toStdString();
@@ -263,6 +284,24 @@ TEST_F(Commands, theLanguageIsThatOfTheMessages) {
         runCommand({q("pack"), q("-"), q("--gap=-1")}, R"({"schemaVersion":1,"items":[]})", q("zh-Hans"));
     EXPECT_EQ(result.status, 1);
     EXPECT_TRUE(result.errors.endsWith(q("。\n"))) << result.errors.toStdString();
+    const CommandResult wrongUsage = runCommand({q("roll")}, {}, q("zh-Hans"));
+    EXPECT_EQ(wrongUsage.status, 2);
+    EXPECT_TRUE(wrongUsage.errors.startsWith(q("用法错误"))) << wrongUsage.errors.toStdString();
+    EXPECT_TRUE(wrongUsage.errors.contains(q("用法：orvexctl"))) << wrongUsage.errors.toStdString();
+}
+
+TEST_F(Commands, helpIsInTheLanguageThatIsAskedForInEitherForm) {
+    const auto help = [](const QStringList& arguments) {
+        QProcess process;
+        process.start(q(ORVEXCTL), arguments);
+        EXPECT_TRUE(process.waitForFinished());
+        return process.readAllStandardOutput();
+    };
+    for (const QString& language : {q("en"), q("zh-Hans")}) {
+        EXPECT_EQ(help({q("--language=") + language, q("roll"), q("--help")}),
+                  help({q("--language"), language, q("roll"), q("--help")}));
+    }
+    EXPECT_TRUE(help({q("--language=zh-Hans"), q("roll"), q("--help")}).contains("卷布"));
 }
 
 } // namespace

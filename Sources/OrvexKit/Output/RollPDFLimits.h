@@ -2,8 +2,15 @@
 
 #include <QtGlobal>
 
-/// What is accepted of a roll PDF: by the update that writes its real size, and by direct printing.
+/// What is accepted of a roll PDF: by its renderer, by the update that writes its real size, and by direct printing.
 namespace orvex::RollPDFLimits {
+
+// The page. Lengths are points of the real print.
+
+inline constexpr double largestUserUnit = 75000.0; ///< what readers of the format are bound to understand
+
+/// Sizes this close are the same: inclusive for direct printing, exclusive for a roll that was just rendered.
+inline constexpr double sizeTolerancePoints = 0.01;
 
 // The update. Sizes bound what is read into memory, whatever the file claims.
 
@@ -25,9 +32,6 @@ inline constexpr qint64 largestPageBytes = 65'536; ///< the page object is read 
 inline constexpr double readBackTolerance = 1e-10; ///< exclusive, between the UserUnit written and the one read back
 
 // Direct printing. Lengths are points of the real print.
-
-inline constexpr double largestUserUnit = 75000.0;  ///< what readers of the format are bound to understand
-inline constexpr double sizeTolerancePoints = 0.01; ///< boxes and sizes this close are the same; inclusive
 
 /// Two decimals of a file that are exactly the tolerance apart may be further apart as doubles, by less than this.
 inline constexpr double roundingPoints = 1e-9;

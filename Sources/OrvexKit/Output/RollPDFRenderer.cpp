@@ -12,6 +12,7 @@
 #include "Output/FileStamp.h"
 #include "Output/ImageMetadata.h"
 #include "Output/PageTransform.h"
+#include "Output/RollPDFLimits.h"
 #include "Output/RollPDFUserUnit.h"
 #include "Output/RollPageContent.h"
 #include "Output/SourceGuard.h"
@@ -27,8 +28,9 @@ namespace orvex::RollPDFRenderer {
 
 namespace {
 
-constexpr double largestUserUnit = 75000.0;
-constexpr double sizeTolerancePoints = 0.01;
+using RollPDFLimits::largestUserUnit;
+using RollPDFLimits::sizeTolerancePoints;
+
 const QString creator = QStringLiteral("orvex 0.8.4 · Roll Layout");
 
 OrvexError refusal(const QString& message) {

@@ -6,6 +6,8 @@
 #include "Output/RollPDFLimits.h"
 #include "PDF/PdfStructure.h"
 
+#include <QStringDecoder>
+
 #include <array>
 #include <charconv>
 #include <string_view>
@@ -42,7 +44,7 @@ struct Page {
 
 // No detail is told: the operator could do nothing with it.
 OrvexError refusal() {
-    return OrvexError::invalid(spt("无法安全地向此 Quartz PDF 写入标准 UserUnit。错误的长卷布尺寸未被保存。",
+    return OrvexError::invalid(spt("无法安全地向此 Quartz PDF 写入标准 UserUnit。未保存错误的长卷布尺寸。",
                                    "Cannot safely write a standard UserUnit into this Quartz PDF. Incorrect long-roll "
                                    "dimensions were not saved."));
 }
@@ -197,7 +199,7 @@ Dictionary requiredDictionary(Text text) {
 
 QByteArray readHeader(const FileUpdater& file) {
     require(file.size() >= headerBytes && file.size() <= largestFileBytes);
-    const QByteArray header = file.bytesAt(0, headerBytes);
+    QByteArray header = file.bytesAt(0, headerBytes);
     require(std::ranges::find(acceptedHeaders, Text(header)) != acceptedHeaders.end());
     return header;
 }
@@ -263,7 +265,10 @@ bool startsAsPage(const QByteArray& start, qint64 objectNumber) {
     const std::array<QString, 6> expected{QString::number(objectNumber), QStringLiteral("0"),
                                           QStringLiteral("obj"),         QStringLiteral("<<"),
                                           QStringLiteral("/Type"),       QStringLiteral("/Page")};
-    const QString text = QString::fromUtf8(start);
+    // A byte order mark is a character like any other here.
+    QStringDecoder decoder(QStringDecoder::Utf8,
+                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    const QString text = decoder(start);
     const auto isSpace = [](QChar character) { return character.isSpace(); };
     const QChar* end = text.cbegin();
     return std::ranges::all_of(expected, [&](const QString& token) {

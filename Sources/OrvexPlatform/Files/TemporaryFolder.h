@@ -1,12 +1,11 @@
 #pragma once
 
 #include <QString>
-#include <QTemporaryDir>
 
 namespace orvex::platform {
 
-/// A folder of this process alone (mode 0700) in the system's temporary folder, which is the one that TMPDIR names. It
-/// goes with all its content when this does.
+/// A folder of this process alone (mode 0700) in the folder that TMPDIR names, or in the system's temporary folder if
+/// it names none. It goes with all its content when this does.
 class TemporaryFolder {
 public:
     /// Raises FileSystemError if it cannot be made.
@@ -17,10 +16,10 @@ public:
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     /// The path of a file of that name in it.
-    [[nodiscard]] QString filePath(const QString& name) const { return folder_.filePath(name); }
+    [[nodiscard]] QString filePath(const QString& name) const { return path_ + u'/' + name; }
 
 private:
-    QTemporaryDir folder_;
+    QString path_;
 };
 
 } // namespace orvex::platform

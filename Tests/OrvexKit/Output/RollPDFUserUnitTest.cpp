@@ -438,7 +438,7 @@ TEST_F(RollPDFUserUnitTest, SpeaksBothLanguages) {
         FAIL();
     } catch (const OrvexError& error) {
         EXPECT_EQ(error.message(),
-                  QStringLiteral("无法安全地向此 Quartz PDF 写入标准 UserUnit。错误的长卷布尺寸未被保存。"));
+                  QStringLiteral("无法安全地向此 Quartz PDF 写入标准 UserUnit。未保存错误的长卷布尺寸。"));
     }
 }
 
@@ -513,6 +513,15 @@ TEST_F(RollPDFUserUnitTest, PassesOverBinaryStreams) {
         everything += static_cast<char>(byte);
     }
     applied(onePagePdf(page, everything.repeated(5)));
+}
+
+TEST_F(RollPDFUserUnitTest, TakesNoObjectBehindAByteOrderMarkForAPage) {
+    const QByteArray object = "5 0 obj\n<< /Type /Page >>";
+    const QByteArray pdf =
+        replacedOnce(withFurtherObject("<< /Type /Page >>   "), object + "   ", "\xef\xbb\xbf" + object);
+    const QString path = write(pdf);
+    RollPDFUserUnit::apply(2.0, path);
+    EXPECT_TRUE(TemporaryFolder::read(path).sliced(pdf.size()).startsWith("\n3 0 obj\n"));
 }
 
 TEST_F(RollPDFUserUnitTest, AcceptsATableOfTwoEntries) {
