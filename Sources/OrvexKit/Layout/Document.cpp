@@ -43,7 +43,7 @@ std::optional<QString> DocumentSettings::validationError() const {
     if (!widthFits || !heightFits) {
         return spt(
             "页面宽度须为 1.969–60 英寸，高度须为 1.969–708.661 英寸；两者都须大于 5 英寸，四边才能各留 2.5 "
-            "英寸白边。还须核对设备与介质的限制。",
+            "英寸白边。另请核对设备和介质的限制。",
             "Page width must be 1.969–60 inches and height 1.969–708.661 inches. Both must exceed 5 inches for a "
             "2.5-inch border on every side. Check device and media limits as well.");
     }

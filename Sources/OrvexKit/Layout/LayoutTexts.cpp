@@ -26,7 +26,7 @@ QString duplicateIDs() {
 }
 
 QString artworkNotFound() {
-    return spt("找不到此作品。", "This artwork was not found.");
+    return spt("未找到此作品。", "This artwork was not found.");
 }
 
 QString positionsNotNumbers() {

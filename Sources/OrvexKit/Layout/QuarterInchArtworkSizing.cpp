@@ -63,10 +63,10 @@ Frame validatedFrame(const RollArtwork& artwork, double target, Dimension dimens
     const double usable = rollWidthInches - PrintUnits::bothBordersInches;
     const double impliedWidth = dimension == Dimension::width ? target : target / ratio;
     if (!isPositive(ratio) || !isPositive(impliedWidth) || impliedWidth > usable) {
-        throw OrvexError::invalid(spt("所需画面宽度超出卷布可用宽度，或尺寸无效。请输入较小的尺寸。各边 2.5 "
-                                      "英寸白边均予保留。",
-                                      "The requested image width exceeds the usable roll width or the dimensions are "
-                                      "invalid. Enter a smaller size. Each 2.5-inch border is retained."));
+        throw OrvexError::invalid(
+            spt("请求的画面宽度超出卷布可用宽度，或尺寸无效。请输入更小的尺寸。四边各 2.5 英寸的白边都会保留。",
+                "The requested image width exceeds the usable roll width or the dimensions are "
+                "invalid. Enter a smaller size. Each 2.5-inch border is retained."));
     }
     return {naturalWidth, ratio, usable};
 }
@@ -103,7 +103,7 @@ Result sizeOfEditedDimension(double target, Dimension dimension, const Frame& fr
     const double width = dimension == Dimension::width ? edited : edited / frame.ratio;
     const auto result = printable(width, frame.ratio * width, frame);
     if (!result) {
-        throw OrvexError::invalid(spt("取整后的画面尺寸无效，或超出卷布可用宽度。作品未自动缩小。请明确修改尺寸。",
+        throw OrvexError::invalid(spt("取整后的画面尺寸无效，或超出卷布可用宽度。作品未自动缩小。请手动修改尺寸。",
                                       "The rounded image dimensions are invalid or exceed the usable roll width. The "
                                       "artwork was not shrunk automatically. Change its size explicitly."));
     }
@@ -141,7 +141,7 @@ Result sizeOfBothDimensions(double target, Dimension dimension, const Frame& fra
     }
     if (!best) {
         throw OrvexError::invalid(
-            spt("此卷布上没有宽高均为 1/4 英寸整数倍且比例精确的尺寸。作品未改动、未拉伸，也未降低精度取整。",
+            spt("此卷布上没有宽高均为 1/4 英寸整数倍且比例精确的尺寸。作品未改动、未拉伸，也未以较低精度取整。",
                 "No exact-aspect-ratio size with both dimensions in 1/4-inch increments fits this "
                 "roll. The artwork was not changed, stretched or rounded at lower precision."));
     }

@@ -111,7 +111,7 @@ Rect RollArtwork::artworkRectInches() const {
 
 std::optional<QString> RollArtwork::coreValidationError() const {
     if (!sourceURL.isLocalFile() || !sourceURL.path(QUrl::FullyEncoded).startsWith(u'/')) {
-        return spt("作品必须指向本机的原图文件。", "Artwork must reference a local source image file.");
+        return spt("作品的原图必须是本机文件。", "Artwork must reference a local source image file.");
     }
     if (pixelWidth < 1 || pixelHeight < 1) {
         return LayoutTexts::pixelSizeNotPositive();
@@ -146,7 +146,7 @@ std::optional<QString> RollArtwork::sizeValidationError(double rollWidthInches) 
         return issue;
     }
     if (widthInches + PrintUnits::bothBordersInches > rollWidthInches + PrintUnits::toleranceInches) {
-        return spt("作品宽度加两侧各 2.5 英寸手裁白边不能超过 %1 英寸。请修改尺寸，或明确旋转作品。",
+        return spt("作品宽度加两侧各 2.5 英寸手裁白边不能超过 %1 英寸。请手动修改尺寸或旋转作品。",
                    "The artwork width plus two 2.5-inch manual-trim borders must not exceed %1 inches. Change its size "
                    "or rotate it explicitly.")
             .arg(formatNumber(rollWidthInches, 3));

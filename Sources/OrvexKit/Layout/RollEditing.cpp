@@ -123,7 +123,7 @@ QUuid RollLayout::append(const RollArtwork& artwork, double gapInches) {
     const auto position =
         RollPacking::vacancy(frame.width, frame.height, RollPacking::sortedBoxes(items), gapInches, widthInches);
     if (!position) {
-        throw OrvexError::invalid(spt("无法在有效的有限坐标内放置此作品。画布未改动。",
+        throw OrvexError::invalid(spt("无法在有效的坐标范围内放置此作品。画布未改动。",
                                       "Cannot place this artwork at valid finite coordinates. The canvas was not "
                                       "changed."));
     }

@@ -388,7 +388,7 @@ void RollLayout::autoArrange(double gapInches) {
     }
     const auto candidates = arrangementCandidates(*this, gapInches);
     if (candidates.empty()) {
-        throw OrvexError::invalid(spt("无法在有效的有限坐标内排版。画布未改动。",
+        throw OrvexError::invalid(spt("无法在有效的坐标范围内自动排版。画布未改动。",
                                       "Cannot arrange the layout at valid finite coordinates. The canvas was not "
                                       "changed."));
     }

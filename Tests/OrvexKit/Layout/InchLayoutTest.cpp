@@ -244,7 +244,7 @@ TEST(BorderedArtworkLayout, refusesInChinese) {
     EXPECT_EQ(widthRefusal(5.0), "页面尺寸必须是有效数字，且须大于两侧白边合计的 5 英寸。");
     EXPECT_EQ(widthRefusal(61.0),
               "页面宽度须为 1.969–60 英寸，高度须为 1.969–708.661 英寸；两者都须大于 5 英寸，四边才能各留 "
-              "2.5 英寸白边。还须核对设备与介质的限制。");
+              "2.5 英寸白边。另请核对设备和介质的限制。");
 }
 
 } // namespace

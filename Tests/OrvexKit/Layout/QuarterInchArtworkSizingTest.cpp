@@ -193,11 +193,11 @@ TEST(QuarterInchSizing, refusesInChinese) {
     const test::InChinese chinese;
     EXPECT_EQ(refusal(artwork(10, 10), 0.0), "画面尺寸必须是有效的正数（英寸）。");
     EXPECT_EQ(refusal(artwork(20, 10), 56.0),
-              "所需画面宽度超出卷布可用宽度，或尺寸无效。请输入较小的尺寸。各边 2.5 英寸白边均予保留。");
+              "请求的画面宽度超出卷布可用宽度，或尺寸无效。请输入更小的尺寸。四边各 2.5 英寸的白边都会保留。");
     EXPECT_EQ(refusal(artwork(20, 10), 0.1, width, editedDimension),
-              "取整后的画面尺寸无效，或超出卷布可用宽度。作品未自动缩小。请明确修改尺寸。");
+              "取整后的画面尺寸无效，或超出卷布可用宽度。作品未自动缩小。请手动修改尺寸。");
     EXPECT_EQ(refusal(artwork(40.01, 30), 20.0),
-              "此卷布上没有宽高均为 1/4 英寸整数倍且比例精确的尺寸。作品未改动、未拉伸，也未降低精度取整。");
+              "此卷布上没有宽高均为 1/4 英寸整数倍且比例精确的尺寸。作品未改动、未拉伸，也未以较低精度取整。");
 }
 
 } // namespace

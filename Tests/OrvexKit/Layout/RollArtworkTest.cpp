@@ -256,9 +256,9 @@ TEST(RollArtwork, validatesItsSizeWithoutItsPosition) {
 TEST(RollArtwork, reportsItsRulesInChinese) {
     const test::InChinese chinese;
     EXPECT_EQ(messageOf(with([](RollArtwork& a) { a.sourceURL.clear(); }).coreValidationError()),
-              "作品必须指向本机的原图文件。");
+              "作品的原图必须是本机文件。");
     EXPECT_EQ(messageOf(artwork(30, 20).sizeValidationError(24.5)),
-              "作品宽度加两侧各 2.5 英寸手裁白边不能超过 24.5 英寸。请修改尺寸，或明确旋转作品。");
+              "作品宽度加两侧各 2.5 英寸手裁白边不能超过 24.5 英寸。请手动修改尺寸或旋转作品。");
     EXPECT_EQ(messageOf(artworkAt(25.1, 0, 30, 20).validationError()), "完整的手裁框必须位于 60 英寸卷布之内。");
     EXPECT_EQ(messageOf(rollWidthValidationError(5.0)),
               "卷布宽度必须是大于 5 且不超过 60 英寸的有效数值，才能保留两侧各 2.5 英寸白边。");

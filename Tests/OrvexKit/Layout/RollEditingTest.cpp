@@ -92,7 +92,7 @@ TEST(RollResize, bringsAnArtworkBackOntoTheRoll) {
 TEST(RollResize, refusesInChinese) {
     const test::InChinese chinese;
     RollLayout layout({artwork(50, 25)});
-    EXPECT_EQ(untouchedRefusal(layout, [](RollLayout& l) { l.resize(test::id(2), 1.0); }), "找不到此作品。");
+    EXPECT_EQ(untouchedRefusal(layout, [](RollLayout& l) { l.resize(test::id(2), 1.0); }), "未找到此作品。");
     EXPECT_EQ(untouchedRefusal(layout, [](RollLayout& l) { l.resize(test::id(1), 56.0); }),
               "作品宽度加两侧各 2.5 英寸手裁白边不能超过 60 英寸。请缩小尺寸。");
 }

@@ -133,7 +133,7 @@ TEST(RollLayoutJson, refusesABadWidthAtItsKey) {
 TEST(RollLayoutJson, refusesABadWidthInChinese) {
     const test::InChinese chinese;
     EXPECT_EQ(decodingFailure(R"({"schemaVersion":1,"items":[],"widthInches":70})"),
-              "widthInches: 卷布宽度必须是大于 5 且不超过 60 英寸的有效数值，才能保留两侧各 2.5 英寸白边。");
+              "widthInches：卷布宽度必须是大于 5 且不超过 60 英寸的有效数值，才能保留两侧各 2.5 英寸白边。");
 }
 
 TEST(RollLayoutJson, loadsAnotherVersionThatEveryOperationThenRefuses) {

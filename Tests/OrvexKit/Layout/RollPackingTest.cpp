@@ -156,7 +156,7 @@ TEST(AutoArrange, refusesWhatNoCandidateCanPlace) {
 TEST(AutoArrange, refusesInChinese) {
     const test::InChinese chinese;
     RollLayout layout({frame(60, 10, 1), frame(60, 10, 2)});
-    EXPECT_EQ(arrangeRefusal(layout, 1e300), "无法在有效的有限坐标内排版。画布未改动。");
+    EXPECT_EQ(arrangeRefusal(layout, 1e300), "无法在有效的坐标范围内自动排版。画布未改动。");
     EXPECT_EQ(arrangeRefusal(layout, -1.0), "作品间距必须是有效的非负数值（英寸）。");
 }
 
