@@ -103,7 +103,7 @@ def render(name):
 
 
 def img2pdf(name):
-    return Program("img2pdf", ["img2pdf", picture(name), "-o", scratch("img2pdf.pdf")])
+    return Program("img2pdf", ["img2pdf", "--pillow-limit-break", picture(name), "-o", scratch("img2pdf.pdf")])
 
 
 def mutool(name, rounds):
