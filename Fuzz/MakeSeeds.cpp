@@ -165,6 +165,13 @@ void makeNumbers(const fs::path& folder) {
     }
 }
 
+void makeSizes(const fs::path& folder) {
+    int count = 0;
+    for (const char* text : {"24 x 16", "24 × 16\n\n9X13.5\r\n", "24\t16\u2028 8.5 11 \n1e1x2", "24,5 x 16", "0x5"}) {
+        writeBytes(folder / ("sizes-" + std::to_string(count++)), QByteArray(text));
+    }
+}
+
 /// One-page roll documents: with a soft mask, and one beyond 200 inches, which needs a user unit.
 void makeDocuments(const fs::path& folder, const fs::path& pictures) {
     const auto artwork = [&](const char* file, int number) {
@@ -195,6 +202,7 @@ void makeAll(const fs::path& root) {
     makeExifBlocks(folderFor(root, "exif"));
     makeLayouts(folderFor(root, "json"));
     makeNumbers(folderFor(root, "number"));
+    makeSizes(folderFor(root, "sizes"));
     makeDocuments(folderFor(root, "pdf"), root);
 }
 

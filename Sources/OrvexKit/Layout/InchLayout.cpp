@@ -12,6 +12,10 @@ namespace orvex {
 
 namespace PrintUnits {
 
+bool isPositive(double value) {
+    return std::isfinite(value) && value > 0.0;
+}
+
 QString formatMMAsInches(double mm, const QLocale& locale) {
     return formatNumber(inches(mm), locale, 3);
 }

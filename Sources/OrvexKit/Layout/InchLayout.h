@@ -32,6 +32,9 @@ inline constexpr double toleranceInches = 1e-9;
     return fromInches * mmPerInch;
 }
 
+/// Whether a length or a ratio is finite and greater than 0.
+[[nodiscard]] bool isPositive(double value);
+
 /// Millimetres as inches in the locale, with 0 to 3 fraction digits and no unit.
 [[nodiscard]] QString formatMMAsInches(double mm, const QLocale& locale = QLocale());
 

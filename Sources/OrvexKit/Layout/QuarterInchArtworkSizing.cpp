@@ -14,11 +14,6 @@ namespace {
 
 constexpr double quarterInch = 0.25;
 constexpr double quartersPerInch = 4.0;
-constexpr double relativeAspectTolerance = 1e-10;
-
-bool isPositive(double value) {
-    return std::isfinite(value) && value > 0.0;
-}
 
 /// What the search needs to know of the artwork and the roll.
 struct Frame {
@@ -28,7 +23,7 @@ struct Frame {
 };
 
 void validateTarget(double target, double rollWidthInches) {
-    if (!isPositive(target)) {
+    if (!PrintUnits::isPositive(target)) {
         throw OrvexError::invalid(
             spt("画面尺寸必须是有效的正数（英寸）。", "Image dimensions must be valid positive values in inches."));
     }
@@ -40,19 +35,16 @@ void validateTarget(double target, double rollWidthInches) {
 }
 
 void validateArtwork(const RollArtwork& artwork) {
-    const bool sound = artwork.pixelWidth >= 1 && artwork.pixelHeight >= 1 && isPositive(artwork.originalWidthInches) &&
-                       isPositive(artwork.originalHeightInches) && artwork.rotationQuarterTurns >= 0 &&
+    const bool sound = artwork.pixelWidth >= 1 && artwork.pixelHeight >= 1 &&
+                       PrintUnits::isPositive(artwork.originalWidthInches) &&
+                       PrintUnits::isPositive(artwork.originalHeightInches) && artwork.rotationQuarterTurns >= 0 &&
                        artwork.rotationQuarterTurns <= 3;
     if (!sound) {
         throw OrvexError::invalid(spt("作品的原图尺寸或旋转数据无效，无法在不变形的情况下调整尺寸。",
                                       "The original artwork dimensions or rotation data are invalid. It cannot be "
                                       "resized without distortion."));
     }
-    const double original = artwork.originalWidthInches / artwork.originalHeightInches;
-    const double pixels = static_cast<double>(artwork.pixelWidth) / static_cast<double>(artwork.pixelHeight);
-    const bool matches =
-        isPositive(original) && std::abs(original - pixels) <= std::max(original, pixels) * relativeAspectTolerance;
-    if (!matches) {
+    if (!artwork.matchesPixels()) {
         throw OrvexError::invalid(LayoutTexts::aspectMismatch());
     }
 }
@@ -62,7 +54,7 @@ Frame validatedFrame(const RollArtwork& artwork, double target, Dimension dimens
     const double ratio = artwork.naturalHeightInches() / naturalWidth;
     const double usable = rollWidthInches - PrintUnits::bothBordersInches;
     const double impliedWidth = dimension == Dimension::width ? target : target / ratio;
-    if (!isPositive(ratio) || !isPositive(impliedWidth) || impliedWidth > usable) {
+    if (!PrintUnits::isPositive(ratio) || !PrintUnits::isPositive(impliedWidth) || impliedWidth > usable) {
         throw OrvexError::invalid(
             spt("请求的画面宽度超出卷布可用宽度，或尺寸无效。请输入更小的尺寸。四边各 2.5 英寸的白边都会保留。",
                 "The requested image width exceeds the usable roll width or the dimensions are "
@@ -81,8 +73,8 @@ bool keepsBorders(double height) {
 /// The result of that width and height if both can be printed on the roll.
 std::optional<Result> printable(double width, double height, const Frame& frame) {
     const double scale = width / frame.naturalWidth;
-    const bool valid =
-        isPositive(width) && width <= frame.usable && isPositive(height) && isPositive(scale) && keepsBorders(height);
+    const bool valid = PrintUnits::isPositive(width) && width <= frame.usable && PrintUnits::isPositive(height) &&
+                       PrintUnits::isPositive(scale) && keepsBorders(height);
     return valid ? std::optional(Result{width, height, scale}) : std::nullopt;
 }
 

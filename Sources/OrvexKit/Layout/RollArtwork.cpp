@@ -19,10 +19,6 @@ constexpr double maximumRollWidthInches = 60.0;
 constexpr double maximumTrimWidthInches = 60.000000001;
 constexpr double relativeAspectTolerance = 1e-10;
 
-bool isPositive(double value) {
-    return std::isfinite(value) && value > 0.0;
-}
-
 bool isOddTurn(qint64 quarterTurns) {
     return quarterTurns % 2 != 0;
 }
@@ -34,13 +30,6 @@ QString lastPathComponent(const QUrl& url) {
     }
     const QString component = path == u"/" ? path : path.section(u'/', -1);
     return QUrl::fromPercentEncoding(component.toUtf8());
-}
-
-bool matchesPixels(const RollArtwork& artwork) {
-    const double original = artwork.originalWidthInches / artwork.originalHeightInches;
-    const double pixels = static_cast<double>(artwork.pixelWidth) / static_cast<double>(artwork.pixelHeight);
-    return std::isfinite(original) &&
-           std::abs(original - pixels) <= std::max(original, pixels) * relativeAspectTolerance;
 }
 
 /// Whether doubles of this magnitude still tell the image's edges from those of its frame.
@@ -109,6 +98,20 @@ Rect RollArtwork::artworkRectInches() const {
             heightInches()};
 }
 
+bool RollArtwork::matchesPixels() const {
+    const double original = originalWidthInches / originalHeightInches;
+    const double pixels = static_cast<double>(pixelWidth) / static_cast<double>(pixelHeight);
+    return std::isfinite(original) &&
+           std::abs(original - pixels) <= std::max(original, pixels) * relativeAspectTolerance;
+}
+
+RollArtwork RollArtwork::turned() const {
+    RollArtwork result = *this;
+    result.widthInches = heightInches();
+    result.rotationQuarterTurns = rotationQuarterTurns ^ 1;
+    return result;
+}
+
 std::optional<QString> RollArtwork::coreValidationError() const {
     if (!sourceURL.isLocalFile() || !sourceURL.path(QUrl::FullyEncoded).startsWith(u'/')) {
         return spt("作品的原图必须是本机文件。", "Artwork must reference a local source image file.");
@@ -116,17 +119,17 @@ std::optional<QString> RollArtwork::coreValidationError() const {
     if (pixelWidth < 1 || pixelHeight < 1) {
         return LayoutTexts::pixelSizeNotPositive();
     }
-    if (!isPositive(originalWidthInches) || !isPositive(originalHeightInches)) {
+    if (!PrintUnits::isPositive(originalWidthInches) || !PrintUnits::isPositive(originalHeightInches)) {
         return spt("原图的物理尺寸必须是有效的正数（英寸）。",
                    "Original physical dimensions must be valid positive values in inches.");
     }
     if (rotationQuarterTurns < 0 || rotationQuarterTurns > 3) {
         return spt("旋转角度必须是 0、90、180 或 270 度。", "Rotation must be 0, 90, 180 or 270 degrees.");
     }
-    if (!matchesPixels(*this)) {
+    if (!matchesPixels()) {
         return LayoutTexts::aspectMismatch();
     }
-    if (!isPositive(widthInches) || !isPositive(heightInches())) {
+    if (!PrintUnits::isPositive(widthInches) || !PrintUnits::isPositive(heightInches())) {
         return spt("作品尺寸必须是有效的正数（英寸）。", "Artwork dimensions must be valid positive values in inches.");
     }
     if (widthInches + PrintUnits::bothBordersInches > maximumTrimWidthInches ||
@@ -158,6 +161,10 @@ std::optional<QString> RollArtwork::validationError(double rollWidthInches) cons
     if (auto issue = sizeValidationError(rollWidthInches)) {
         return issue;
     }
+    return positionValidationError(rollWidthInches);
+}
+
+std::optional<QString> RollArtwork::positionValidationError(double rollWidthInches) const {
     if (!std::isfinite(xInches) || !std::isfinite(yInches) || xInches < 0.0 || yInches < 0.0) {
         return spt("作品位置必须是有效的非负数值（英寸）。",
                    "Artwork positions must be valid nonnegative values in inches.");

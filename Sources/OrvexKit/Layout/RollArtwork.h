@@ -59,11 +59,21 @@ struct RollArtwork {
     /// The image inside its frame.
     [[nodiscard]] Rect artworkRectInches() const;
 
+    /// Whether the original size has the proportions of the pixels.
+    [[nodiscard]] bool matchesPixels() const;
+
+    /// The artwork turned by a quarter at its present physical size, back rather than further where it is turned
+    /// already. Its position stays.
+    [[nodiscard]] RollArtwork turned() const;
+
     /// The message of the first rule that the artwork breaks on a roll of that width, or nothing.
     [[nodiscard]] std::optional<QString> validationError(double rollWidthInches = 60.0) const;
 
     /// The same without the rules of the position.
     [[nodiscard]] std::optional<QString> sizeValidationError(double rollWidthInches) const;
+
+    /// The rules of the position alone, for an artwork whose size is valid.
+    [[nodiscard]] std::optional<QString> positionValidationError(double rollWidthInches) const;
 
     /// The rules that no roll takes part in.
     [[nodiscard]] std::optional<QString> coreValidationError() const;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Json/JsonReader.h"
+#include "Layout/BatchArtworkSizing.h"
 #include "Layout/RollArtwork.h"
 #include "Layout/RollKeyboardNudge.h"
 
@@ -80,6 +81,22 @@ struct RollLayout {
     /// Places all artworks so that the used length is as short as the fixed set of candidates makes it; sizes, turns
     /// and list order stay. Roughly cubic in the number of artworks.
     void autoArrange(double gapInches);
+
+    /// The same, and then a search for a shorter roll in which artworks may lie turned by a quarter. A turn is kept
+    /// only where it makes the roll shorter; the print scales stay. Runs on all processors.
+    void optimizeArrangement(bool allowQuarterTurns, double gapInches);
+
+    /// Changes the width and arranges anew, without a gap. What no longer fits is turned first, if that is allowed;
+    /// nothing is made smaller, so artworks that fit in no way are refused by name.
+    void changeRollWidth(double to, bool allowQuarterTurns);
+
+    /// Deletes the artwork and arranges the others anew. Whether there was one with this id.
+    bool removeAndOptimize(const QUuid& id, bool allowQuarterTurns, double gapInches);
+
+    /// The layout with new print sizes of some artworks; all proportions stay, nothing is made smaller to fit, and a
+    /// quarter turn is made only where allowed. Positions stay as `resize` keeps them.
+    [[nodiscard]] RollLayout sizingArtworks(const QList<BatchArtworkSizeRequest>& requests,
+                                            bool allowQuarterTurns) const;
 
     // What the operations share
 

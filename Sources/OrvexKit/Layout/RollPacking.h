@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Layout/Geometry.h"
+#include "Layout/PackingBox.h"
 #include "Layout/RollArtwork.h"
 
 #include <QList>
@@ -10,23 +11,9 @@
 
 namespace orvex {
 
-/// One occupied rectangle of a roll: the trim frame of the artwork at `index`. Inches.
-struct PackingBox {
-    qsizetype index = 0;
-    double x = 0.0;
-    double y = 0.0;
-    double width = 0.0;
-    double height = 0.0;
-
-    bool operator==(const PackingBox&) const = default;
-};
-
 /// The steps of automatic packing, on trim frames. The gap is the distance between frames; the edges of the roll have
 /// none. An arrangement is the same list with other positions. All pure, any thread.
 namespace RollPacking {
-
-/// Occupied boxes, always ascending by y, then x, then index.
-using Occupied = std::vector<PackingBox>;
 
 /// A sequence of list positions in which artworks are placed.
 using Order = std::vector<qsizetype>;
@@ -37,6 +24,11 @@ using Order = std::vector<qsizetype>;
 
 /// Up to six orders to place artworks in, without repetition; the first is the list order.
 [[nodiscard]] std::vector<Order> packingOrders(const QList<RollArtwork>& items);
+
+/// The indices by `primary`; ties by `secondary`, always descending; then by index.
+enum class Direction { ascending, descending };
+[[nodiscard]] Order ordered(const std::vector<double>& primary, const std::vector<double>& secondary,
+                            Direction direction);
 
 /// `orders` without those that stand earlier in it already.
 [[nodiscard]] std::vector<Order> withoutRepetition(std::vector<Order> orders);
@@ -50,12 +42,8 @@ using Order = std::vector<qsizetype>;
 [[nodiscard]] std::optional<Point> vacancy(double width, double height, const Occupied& occupied, double gap,
                                            double rollWidth);
 
-/// The box of an artwork's trim frame.
-[[nodiscard]] PackingBox box(const RollArtwork& artwork, qsizetype index);
-
-[[nodiscard]] Occupied sortedBoxes(const QList<RollArtwork>& items);
-
-void insert(const PackingBox& box, Occupied& occupied);
+/// The canvas that an arrangement uses: the largest bottom edge of any frame, 0 without artworks.
+[[nodiscard]] double usedLength(const QList<RollArtwork>& items);
 
 /// The total comparison of two arrangements of equally many artworks: the used length exactly, then the sums of y and
 /// of x, then position by position, each with the tolerance.

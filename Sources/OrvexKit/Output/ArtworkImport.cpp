@@ -5,17 +5,22 @@
 
 namespace orvex {
 
+RollArtwork artworkOf(const ImageMetadata& metadata, double rollWidthInches) {
+    return RollArtwork::make(
+        {.id = QUuid::createUuid(),
+         .sourceURL = metadata.url,
+         .pixelWidth = metadata.pixelWidth,
+         .pixelHeight = metadata.pixelHeight,
+         .originalWidthInches = metadata.originalWidthInches,
+         .originalHeightInches = metadata.originalHeightInches,
+         .widthInches = std::min(rollWidthInches - PrintUnits::bothBordersInches, metadata.originalWidthInches)});
+}
+
 RollArtwork importedArtwork(const ImageMetadata& metadata, double rollWidthInches) {
-    RollArtwork artwork = RollArtwork::make({.id = QUuid::createUuid(),
-                                             .sourceURL = metadata.url,
-                                             .pixelWidth = metadata.pixelWidth,
-                                             .pixelHeight = metadata.pixelHeight,
-                                             .originalWidthInches = metadata.originalWidthInches,
-                                             .originalHeightInches = metadata.originalHeightInches});
-    const double target = std::min(rollWidthInches - PrintUnits::bothBordersInches, metadata.originalWidthInches);
+    RollArtwork artwork = artworkOf(metadata, rollWidthInches);
     artwork.widthInches =
-        QuarterInchArtworkSizing::size(artwork, target, QuarterInchArtworkSizing::Dimension::width, rollWidthInches,
-                                       QuarterInchArtworkSizing::Strategy::bothDimensions)
+        QuarterInchArtworkSizing::size(artwork, artwork.widthInches, QuarterInchArtworkSizing::Dimension::width,
+                                       rollWidthInches, QuarterInchArtworkSizing::Strategy::bothDimensions)
             .widthInches;
     return artwork;
 }

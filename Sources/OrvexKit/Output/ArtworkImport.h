@@ -1,13 +1,15 @@
 #pragma once
 
-#include "Layout/RollLayout.h"
+#include "Layout/RollArtwork.h"
 #include "Output/ImageMetadata.h"
 
 namespace orvex {
 
-/// The artwork that an inspected file becomes on a roll of the given width: at its physical size, or the width of the
-/// roll without borders if that is less, brought to the nearest exact quarter-inch size; at the origin and unturned.
-/// Raises OrvexError if no such size fits.
+/// A new artwork of an inspected file, with an id of its own and at no position yet: at 100 %, or as wide as the roll
+/// allows.
+[[nodiscard]] RollArtwork artworkOf(const ImageMetadata& metadata, double rollWidthInches);
+
+/// The same, brought to the nearest size of whole quarter inches on both sides. Raises OrvexError if there is none.
 [[nodiscard]] RollArtwork importedArtwork(const ImageMetadata& metadata, double rollWidthInches);
 
 } // namespace orvex

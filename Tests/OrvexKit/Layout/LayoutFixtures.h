@@ -4,6 +4,8 @@
 #include "OrvexError.h"
 #include "OrvexLanguage.h"
 
+#include <gtest/gtest.h>
+
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -99,5 +101,15 @@ private:
         }
     }
 };
+
+/// The refusal of an operation, which must leave the layout as it was to the last bit.
+template <typename Operation>
+std::string untouchedRefusal(RollLayout& layout, Operation&& operation) {
+    const Snapshot before(layout);
+    const std::string refusal = refusalOf([&] { operation(layout); });
+    EXPECT_NE(refusal, "(none)");
+    EXPECT_EQ(Snapshot(layout), before);
+    return refusal;
+}
 
 } // namespace orvex::test

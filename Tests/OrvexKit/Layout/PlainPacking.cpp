@@ -17,32 +17,6 @@ double trimHeight(const RollArtwork& item) {
     return item.heightInches() + 5.0;
 }
 
-bool comesBefore(const Box& a, const Box& b) {
-    return std::make_tuple(a.y, a.x, a.index) < std::make_tuple(b.y, b.x, b.index);
-}
-
-Box boxOf(const RollArtwork& item, long index) {
-    return {index, item.xInches, item.yInches, trimWidth(item), trimHeight(item)};
-}
-
-bool hasSpacing(const Items& items, double gap) {
-    for (long i = 0; i < items.size(); ++i) {
-        for (long j = i + 1; j < items.size(); ++j) {
-            const Box a = boxOf(items[i], i);
-            const Box b = boxOf(items[j], j);
-            const double aRight = a.x + a.width;
-            const double aBottom = a.y + a.height;
-            const double bRight = b.x + b.width;
-            const double bBottom = b.y + b.height;
-            if (a.x < (gap + bRight) - 1e-9 && (b.x - gap) + 1e-9 < aRight && a.y < (gap + bBottom) - 1e-9 &&
-                (b.y - gap) + 1e-9 < aBottom) {
-                return false;
-            }
-        }
-    }
-    return true;
-}
-
 std::set<double> candidates(double width, const std::vector<Box>& occupied, double gap, double maxX) {
     std::set<double> xs;
     xs.insert(0.0);
@@ -122,6 +96,39 @@ std::vector<long> ordered(const std::vector<double>& primary, const std::vector<
     return order;
 }
 
+bool isValid(const Items& items, double rollWidth) {
+    return std::none_of(items.begin(), items.end(),
+                        [&](const RollArtwork& item) { return item.validationError(rollWidth).has_value(); });
+}
+
+} // namespace
+
+bool comesBefore(const Box& a, const Box& b) {
+    return std::make_tuple(a.y, a.x, a.index) < std::make_tuple(b.y, b.x, b.index);
+}
+
+Box boxOf(const RollArtwork& item, long index) {
+    return {index, item.xInches, item.yInches, trimWidth(item), trimHeight(item)};
+}
+
+bool hasSpacing(const Items& items, double gap) {
+    for (long i = 0; i < items.size(); ++i) {
+        for (long j = i + 1; j < items.size(); ++j) {
+            const Box a = boxOf(items[i], i);
+            const Box b = boxOf(items[j], j);
+            const double aRight = a.x + a.width;
+            const double aBottom = a.y + a.height;
+            const double bRight = b.x + b.width;
+            const double bBottom = b.y + b.height;
+            if (a.x < (gap + bRight) - 1e-9 && (b.x - gap) + 1e-9 < aRight && a.y < (gap + bBottom) - 1e-9 &&
+                (b.y - gap) + 1e-9 < aBottom) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
 bool isMoreCompact(const Items& a, const Items& b) {
     double heightA = 0.0;
     double heightB = 0.0;
@@ -155,13 +162,6 @@ bool isMoreCompact(const Items& a, const Items& b) {
     }
     return false;
 }
-
-bool isValid(const Items& items, double rollWidth) {
-    return std::none_of(items.begin(), items.end(),
-                        [&](const RollArtwork& item) { return item.validationError(rollWidth).has_value(); });
-}
-
-} // namespace
 
 std::vector<Box> sortedBoxes(const Items& items) {
     std::vector<Box> boxes;

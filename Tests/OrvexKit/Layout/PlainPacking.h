@@ -21,6 +21,14 @@ struct Box {
 
 using Items = QList<RollArtwork>;
 
+Box boxOf(const RollArtwork& item, long index);
+
+bool comesBefore(const Box& a, const Box& b);
+
+bool hasSpacing(const Items& items, double gap);
+
+bool isMoreCompact(const Items& a, const Items& b);
+
 std::vector<Box> sortedBoxes(const Items& items);
 
 std::optional<Point> vacancy(double width, double height, const std::vector<Box>& occupied, double gap,

@@ -12,6 +12,7 @@ using test::artwork;
 using test::artworkAt;
 using test::refusalOf;
 using test::Snapshot;
+using test::untouchedRefusal;
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinity = std::numeric_limits<double>::infinity();
@@ -28,16 +29,6 @@ constexpr auto tooWide =
     "The artwork width plus two 2.5-inch manual-trim borders must not exceed 60 inches. Reduce its size.";
 constexpr auto imprecise = "These coordinates or dimensions exceed the precision needed to retain the artwork and its "
                            "2.5-inch manual-trim borders.";
-
-/// The refusal of an operation, which must leave the layout as it was to the last bit.
-template <typename Operation>
-std::string untouchedRefusal(RollLayout& layout, Operation&& operation) {
-    const Snapshot before(layout);
-    const std::string refusal = refusalOf([&] { operation(layout); });
-    EXPECT_NE(refusal, "(none)");
-    EXPECT_EQ(Snapshot(layout), before);
-    return refusal;
-}
 
 Point positionOf(const RollLayout& layout, qsizetype index) {
     return {layout.items.at(index).xInches, layout.items.at(index).yInches};

@@ -283,23 +283,6 @@ TEST(Vacancy, prefersTheLeftOfPlacesThatAreEquallyHighByTheTolerance) {
     EXPECT_EQ(RollPacking::vacancy(30, 5, boxes, 0.0, 60.0), (Point{0, 10.0000000005}));
 }
 
-// The occupied list
-
-TEST(SortedBoxes, areOrderedByYThenXThenIndex) {
-    const auto boxes = RollPacking::sortedBoxes(
-        {frameAt(5, 9, 10, 10, 1), frameAt(5, 0, 10, 10, 2), frameAt(1, 9, 10, 10, 3), frameAt(5, 9, 20, 30, 4)});
-    EXPECT_EQ(boxes, (Occupied{{1, 5, 0, 10, 10}, {2, 1, 9, 10, 10}, {0, 5, 9, 10, 10}, {3, 5, 9, 20, 30}}));
-}
-
-TEST(InsertedBoxes, keepTheOrder) {
-    Occupied boxes;
-    for (const PackingBox& box : {PackingBox{0, 5, 9, 10, 10}, PackingBox{1, 5, 0, 10, 10}, PackingBox{3, 5, 9, 20, 30},
-                                  PackingBox{2, 1, 9, 10, 10}}) {
-        RollPacking::insert(box, boxes);
-    }
-    EXPECT_EQ(boxes, (Occupied{{1, 5, 0, 10, 10}, {2, 1, 9, 10, 10}, {0, 5, 9, 10, 10}, {3, 5, 9, 20, 30}}));
-}
-
 // isMoreCompact
 
 QList<RollArtwork> pairAt(Point first, Point second) {

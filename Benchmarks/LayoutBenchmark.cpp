@@ -1,4 +1,5 @@
 #include "Layout/RollLayout.h"
+#include "PlainOptimization.h"
 
 #include <QString>
 #include <QUrl>
@@ -38,6 +39,32 @@ void autoArrange(benchmark::State& state) {
     }
 }
 
+void optimizeArrangement(benchmark::State& state) {
+    const orvex::RollLayout layout = mixedRoll(static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        orvex::RollLayout optimized = layout;
+        optimized.optimizeArrangement(true, 0.25);
+        benchmark::DoNotOptimize(optimized.lengthInches());
+    }
+}
+
+void plainOptimizeArrangement(benchmark::State& state) {
+    const orvex::RollLayout layout = mixedRoll(static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        const auto optimized = orvex::plain::optimizeArrangement(layout.items, 0.25, layout.widthInches);
+        benchmark::DoNotOptimize(optimized->size());
+    }
+}
+
 } // namespace
 
 BENCHMARK(autoArrange)->Arg(50)->Arg(200)->Arg(500)->Unit(benchmark::kMillisecond);
+BENCHMARK(optimizeArrangement)
+    ->Arg(50)
+    ->Arg(200)
+    ->Arg(500)
+    ->Arg(1000)
+    ->Arg(2000)
+    ->UseRealTime() // it works on several threads
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(plainOptimizeArrangement)->Arg(50)->Arg(500)->Arg(1000)->UseRealTime()->Unit(benchmark::kMillisecond);
