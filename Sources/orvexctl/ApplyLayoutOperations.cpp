@@ -4,6 +4,7 @@
 #include "Layout/RollInteraction.h"
 #include "OrvexLanguage.h"
 
+#include <QJsonArray>
 #include <QJsonObject>
 
 namespace orvex {
@@ -76,6 +77,60 @@ ApplyAnswer autoArrange(const ApplyRequest& request) {
     return edited(request, [&](RollLayout& layout) { layout.autoArrange(request.args.at("gapInches").number()); });
 }
 
+ApplyAnswer optimizeArrangement(const ApplyRequest& request) {
+    return edited(request, [&](RollLayout& layout) {
+        layout.optimizeArrangement(request.args.at("allowQuarterTurns").boolean(),
+                                   request.args.at("gapInches").number());
+    });
+}
+
+ApplyAnswer changeRollWidth(const ApplyRequest& request) {
+    return edited(request, [&](RollLayout& layout) {
+        layout.changeRollWidth(request.args.at("to").number(), request.args.at("allowQuarterTurns").boolean());
+    });
+}
+
+ApplyAnswer removeAndOptimize(const ApplyRequest& request) {
+    RollLayout layout = request.layout();
+    const bool hasRemoved =
+        layout.removeAndOptimize(request.args.at("id").uuid(), request.args.at("allowQuarterTurns").boolean(),
+                                 request.args.at("gapInches").number());
+    return {.layout = layout, .result = QJsonValue(hasRemoved)};
+}
+
+std::optional<double> optionalNumber(const JsonReader& json, const char* key) {
+    const auto value = json.find(key);
+    return value ? std::optional(value->number()) : std::nullopt;
+}
+
+ApplyAnswer sizingArtworks(const ApplyRequest& request) {
+    const JsonReader wishes = request.args.at("requests");
+    QList<BatchArtworkSizeRequest> requests;
+    for (qsizetype index = 0; index < wishes.count(); ++index) {
+        const JsonReader wish = wishes.element(index);
+        requests.append({.id = wish.at("id").uuid(),
+                         .widthInches = optionalNumber(wish, "widthInches"),
+                         .heightInches = optionalNumber(wish, "heightInches")});
+    }
+    return {.layout = request.layout().sizingArtworks(requests, request.args.at("allowQuarterTurns").boolean()),
+            .result = std::nullopt};
+}
+
+ApplyAnswer batchSizeRequests(const ApplyRequest& request) {
+    const JsonReader ids = request.args.at("artworkIDs");
+    QList<QUuid> artworkIDs;
+    for (qsizetype index = 0; index < ids.count(); ++index) {
+        artworkIDs.append(ids.element(index).uuid());
+    }
+    QJsonArray requests;
+    for (const auto& each : BatchArtworkSizeParser::requests(request.args.at("text").text(), artworkIDs)) {
+        requests.append(QJsonObject{{QStringLiteral("id"), platform::uuidText(each.id)},
+                                    {QStringLiteral("widthInches"), *each.widthInches},
+                                    {QStringLiteral("heightInches"), *each.heightInches}});
+    }
+    return {.layout = std::nullopt, .result = requests};
+}
+
 ApplyAnswer exportValidationError(const ApplyRequest& request) {
     return {.layout = std::nullopt, .result = answerText(request.layout().exportValidationError())};
 }
@@ -140,6 +195,11 @@ const ApplyOperations& layoutOperations() {
         {QStringLiteral("nudge"), nudge},
         {QStringLiteral("remove"), remove},
         {QStringLiteral("autoArrange"), autoArrange},
+        {QStringLiteral("optimizeArrangement"), optimizeArrangement},
+        {QStringLiteral("changeRollWidth"), changeRollWidth},
+        {QStringLiteral("removeAndOptimize"), removeAndOptimize},
+        {QStringLiteral("sizingArtworks"), sizingArtworks},
+        {QStringLiteral("batchSizeRequests"), batchSizeRequests},
         {QStringLiteral("exportValidationError"), exportValidationError},
         {QStringLiteral("widthValidationError"), widthValidationError},
         {QStringLiteral("structureValidationError"), structureValidationError},

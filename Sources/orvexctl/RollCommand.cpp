@@ -8,6 +8,7 @@
 #include "Interrupted.h"
 #include "Json/JsonWriter.h"
 #include "Layout/LayoutTexts.h"
+#include "Layout/NumberText.h"
 #include "Layout/RollLayout.h"
 #include "Layout/RollSummary.h"
 #include "Layout/RollWorkspaceFile.h"
@@ -23,26 +24,77 @@ namespace orvex {
 
 namespace {
 
+/// A size as the command line gives it; without either side, none.
+struct PrintSize {
+    std::optional<double> widthInches;
+    std::optional<double> heightInches;
+
+    [[nodiscard]] bool isGiven() const { return widthInches || heightInches; }
+};
+
 struct RollOptions {
     std::vector<std::string> images;
     std::string output;
     double widthInches = RollLayout::rollWidthInches;
     double gapInches = RollLayout::defaultGapInches;
+    std::vector<std::string> sizeTexts; ///< of the images at the same places; the others follow the import rule
+    bool allowsTurns = false;
     std::string layoutOutput;
     std::string title;
     ColorOptions color;
 };
 
+[[noreturn]] void failSize(const std::string& text) {
+    throw CLI::ValidationError("--size", "a size is WxH in inches, such as 24x16, with - for none: " + text);
+}
+
+/// One side of a size, "-" for none. Whether it can be printed is the layout's to say.
+std::optional<double> sizeSide(const std::string& side, const std::string& text) {
+    const auto inches = parseWholeDouble(QByteArray::fromStdString(side));
+    if (!inches && side != "-") {
+        failSize(text);
+    }
+    return inches;
+}
+
+PrintSize printSize(const std::string& text) {
+    if (text == "-") {
+        return {};
+    }
+    const std::size_t separator = text.find('x');
+    if (separator == std::string::npos) {
+        failSize(text);
+    }
+    return {sizeSide(text.substr(0, separator), text), sizeSide(text.substr(separator + 1), text)};
+}
+
+/// A size for each image.
+std::vector<PrintSize> printSizes(const RollOptions& options) {
+    if (options.sizeTexts.size() > options.images.size()) {
+        throw CLI::ValidationError("--size", "there are more sizes than images");
+    }
+    std::vector<PrintSize> sizes;
+    std::transform(options.sizeTexts.begin(), options.sizeTexts.end(), std::back_inserter(sizes), printSize);
+    sizes.resize(options.images.size());
+    return sizes;
+}
+
 /// The images on a roll, and what the operator should know of them.
 struct ImportedRoll {
     RollWorkspaceFile workspace;
+    QList<BatchArtworkSizeRequest> sizeRequests;
     QStringList warnings;
 };
 
-void importImage(const QUrl& url, ImportedRoll& roll) {
+void importImage(const QUrl& url, const PrintSize& size, ImportedRoll& roll) {
     const ImageMetadata metadata = ImageMetadata::load(url);
     RollLayout& layout = roll.workspace.layout;
-    const QUuid id = layout.append(importedArtwork(metadata, layout.widthInches), roll.workspace.gapInches);
+    const RollArtwork artwork =
+        size.isGiven() ? artworkOf(metadata, layout.widthInches) : importedArtwork(metadata, layout.widthInches);
+    const QUuid id = layout.append(artwork, roll.workspace.gapInches);
+    if (size.isGiven()) {
+        roll.sizeRequests.append({id, size.widthInches, size.heightInches});
+    }
     roll.workspace.sizingDescriptions.insert(platform::uuidText(id), metadata.physicalSizeSource);
     roll.workspace.selection = id;
     if (metadata.isPhysicalSizeEstimated()) {
@@ -51,17 +103,18 @@ void importImage(const QUrl& url, ImportedRoll& roll) {
 }
 
 /// Raises OrvexError with a line for each image that cannot be imported.
-ImportedRoll importImages(const QList<QUrl>& urls, const RollOptions& options, const std::stop_token& stop) {
+ImportedRoll importImages(const QList<QUrl>& urls, const std::vector<PrintSize>& sizes, const RollOptions& options,
+                          const std::stop_token& stop) {
     ImportedRoll roll;
     roll.workspace.layout = RollLayout({}, options.widthInches);
     roll.workspace.gapInches = options.gapInches;
     QStringList failures;
-    for (const QUrl& url : urls) {
+    for (qsizetype index = 0; index < urls.size(); ++index) {
         platform::throwIfStopped(stop);
         try {
-            importImage(url, roll);
+            importImage(urls[index], sizes[static_cast<std::size_t>(index)], roll);
         } catch (const Failure& failure) {
-            failures.append(url.fileName() + u'：' + failure.message());
+            failures.append(urls[index].fileName() + u'：' + failure.message());
         }
     }
     if (!failures.isEmpty()) {
@@ -70,7 +123,17 @@ ImportedRoll importImages(const QList<QUrl>& urls, const RollOptions& options, c
     return roll;
 }
 
-QJsonObject describe(const ImportedRoll& roll, const QList<RollSourceAudit>& audits) {
+/// Gives the artworks their sizes and packs them. The length that the roll would have without turns, in inches.
+double pack(ImportedRoll& roll, const RollOptions& options) {
+    RollLayout& layout = roll.workspace.layout;
+    layout = layout.sizingArtworks(roll.sizeRequests, options.allowsTurns);
+    RollLayout conventional = layout;
+    conventional.autoArrange(options.gapInches);
+    layout.optimizeArrangement(options.allowsTurns, options.gapInches);
+    return conventional.lengthInches();
+}
+
+QJsonObject describe(const ImportedRoll& roll, double conventionalLengthInches, const QList<RollSourceAudit>& audits) {
     const RollLayout& layout = roll.workspace.layout;
     QStringList warnings = roll.warnings;
     if (const auto advisory = rollAdvisory(layout)) {
@@ -81,36 +144,54 @@ QJsonObject describe(const ImportedRoll& roll, const QList<RollSourceAudit>& aud
             {QStringLiteral("audits"), toJson(audits)},
             {QStringLiteral("widthInches"), layout.widthInches},
             {QStringLiteral("lengthInches"), layout.lengthInches()},
-            {QStringLiteral("conventionalLengthInches"), layout.lengthInches()},
+            {QStringLiteral("conventionalLengthInches"), conventionalLengthInches},
             {QStringLiteral("utilization"), utilizationPercent(layout)},
             {QStringLiteral("userUnit"), RollPDFRenderer::userUnit(page.width, page.height)},
             {QStringLiteral("warnings"), QJsonArray::fromStringList(warnings)}};
 }
 
-void runRoll(const RollOptions& options, const CommandContext& context) {
+/// Where the images lie. A roll names its sources for later, so none can come through a pipe.
+QList<QUrl> imageUrls(const RollOptions& options) {
     QList<QUrl> urls;
     for (const std::string& image : options.images) {
-        urls.append(platform::fileUrl(argumentText(image)));
+        const QString path = argumentText(image);
+        if (isStandardStream(path)) {
+            throw CLI::ValidationError("IMAGE", "an artwork must be a file; standard input cannot be one");
+        }
+        urls.append(platform::fileUrl(path));
     }
+    return urls;
+}
+
+/// Neither result may go over an input, nor over the other.
+void refuseOverwritingInputs(const RollOptions& options, const QList<QUrl>& images) {
     const QString output = argumentText(options.output);
     const QString layoutOutput = argumentText(options.layoutOutput);
-    refuseOverwriting(output, urls + options.color.inputs());
+    const QList<QUrl> inputs = images + options.color.inputs();
+    refuseOverwriting(output, inputs);
     if (isStandardStream(layoutOutput)) {
         throw CLI::ValidationError("--layout-out", "standard output has the answer or the PDF already");
     }
     if (!layoutOutput.isEmpty()) {
-        refuseOverwriting(layoutOutput, urls + options.color.inputs() + QList{platform::fileUrl(output)});
+        refuseOverwriting(layoutOutput, inputs + QList{platform::fileUrl(output)});
     }
+}
+
+void runRoll(const RollOptions& options, const CommandContext& context) {
+    const QList<QUrl> urls = imageUrls(options);
+    const std::vector<PrintSize> sizes = printSizes(options);
+    refuseOverwritingInputs(options, urls);
     refuse(RollLayout({}, options.widthInches).widthValidationError());
     RollLayout::validateGap(options.gapInches);
-    ImportedRoll roll = importImages(urls, options, context.stop);
-    roll.workspace.layout.autoArrange(options.gapInches);
+    ImportedRoll roll = importImages(urls, sizes, options, context.stop);
+    const double conventionalLengthInches = pack(roll, options);
     // Written before the PDF is in place: what keeps the one from being saved keeps the other as it was.
     std::optional<platform::FileReplacer> layoutFile;
-    if (!layoutOutput.isEmpty()) {
-        layoutFile.emplace(platform::FileReplacer::open(layoutOutput)).write(roll.workspace.encode());
+    if (!options.layoutOutput.empty()) {
+        layoutFile.emplace(platform::FileReplacer::open(argumentText(options.layoutOutput)))
+            .write(roll.workspace.encode());
     }
-    const PdfDestination destination(output);
+    const PdfDestination destination(argumentText(options.output));
     const QList<RollSourceAudit> audits =
         RollPDFRenderer::render(roll.workspace.layout, rollTitle(options.title), destination.url(),
                                 options.color.workflow(), options.color.outputProfile(), context.stop);
@@ -121,7 +202,7 @@ void runRoll(const RollOptions& options, const CommandContext& context) {
         destination.deliver(context.stop);
         return;
     }
-    printResult(describe(roll, audits));
+    printResult(describe(roll, conventionalLengthInches, audits));
 }
 
 } // namespace
@@ -149,6 +230,14 @@ void addRollCommand(CLI::App& app, CommandContext& context) {
         ->add_option("--gap", options->gapInches,
                      description("手裁框的间距（英寸）", "the distance of trim frames, in inches"))
         ->type_name("IN");
+    command
+        ->add_option("--size", options->sizeTexts,
+                     description("同一位置图像的打印尺寸（英寸），- 表示不指定；可重复",
+                                 "the print size of the image at the same place, in inches, - for none; repeatable"))
+        ->allow_extra_args(false)
+        ->type_name("WxH");
+    command->add_flag("--turns", options->allowsTurns,
+                      description("允许将作品旋转 90° 以节省画布", "let artworks turn by 90° where that saves canvas"));
     command
         ->add_option("--layout-out", options->layoutOutput,
                      description("将排版写成工作区文件", "write the layout as a workspace file"))
