@@ -45,7 +45,9 @@ struct RollOptions {
 };
 
 [[noreturn]] void failSize(const std::string& text) {
-    throw CLI::ValidationError("--size", "a size is WxH in inches, such as 24x16, with - for none: " + text);
+    throw CLI::ValidationError("--size", description("尺寸须为 WxH（英寸），例如 24x16，- 表示不指定：",
+                                                     "a size is WxH in inches, such as 24x16, with - for none: ") +
+                                             text);
 }
 
 /// One side of a size, "-" for none. Whether it can be printed is the layout's to say.
@@ -71,7 +73,7 @@ PrintSize printSize(const std::string& text) {
 /// A size for each image.
 std::vector<PrintSize> printSizes(const RollOptions& options) {
     if (options.sizeTexts.size() > options.images.size()) {
-        throw CLI::ValidationError("--size", "there are more sizes than images");
+        throw CLI::ValidationError("--size", description("尺寸的个数多于图像", "there are more sizes than images"));
     }
     std::vector<PrintSize> sizes;
     std::transform(options.sizeTexts.begin(), options.sizeTexts.end(), std::back_inserter(sizes), printSize);
@@ -156,7 +158,8 @@ QList<QUrl> imageUrls(const RollOptions& options) {
     for (const std::string& image : options.images) {
         const QString path = argumentText(image);
         if (isStandardStream(path)) {
-            throw CLI::ValidationError("IMAGE", "an artwork must be a file; standard input cannot be one");
+            throw CLI::ValidationError("IMAGE", description("作品必须是文件，不能使用标准输入",
+                                                            "an artwork must be a file; standard input cannot be one"));
         }
         urls.append(platform::fileUrl(path));
     }
@@ -170,7 +173,8 @@ void refuseOverwritingInputs(const RollOptions& options, const QList<QUrl>& imag
     const QList<QUrl> inputs = images + options.color.inputs();
     refuseOverwriting(output, inputs);
     if (isStandardStream(layoutOutput)) {
-        throw CLI::ValidationError("--layout-out", "standard output has the answer or the PDF already");
+        throw CLI::ValidationError("--layout-out", description("标准输出已用于结果或 PDF",
+                                                               "standard output has the answer or the PDF already"));
     }
     if (!layoutOutput.isEmpty()) {
         refuseOverwriting(layoutOutput, inputs + QList{platform::fileUrl(output)});

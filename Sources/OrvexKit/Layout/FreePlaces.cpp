@@ -82,7 +82,8 @@ void FreePlaces::occupy(const PackingBox& box, double next) {
     const double top = (box.y - gap_) + slackInches;
     const double bottom = next - slackInches;
     if (!(left < right && top < bottom)) {
-        return; // so small that it keeps no frame from anywhere that the slack would not
+        lowerFirstEnds(next); // nothing is left of it to keep a frame from anywhere, but walks can end below it
+        return;
     }
     const auto firstCut = std::partition(rects_.begin(), rects_.end(), [&](const FreeRect& rect) {
         return rect.right <= left || right <= rect.left || rect.bottom <= top || bottom <= rect.top;
@@ -107,6 +108,11 @@ void FreePlaces::occupy(const PackingBox& box, double next) {
         addIfLargest(piece, pieces);
     }
     rects_.insert(rects_.end(), pieces.begin(), pieces.end());
+    lowerFirstEnds(next);
+}
+
+/// Has every rectangle know that a walk can end at `next`.
+void FreePlaces::lowerFirstEnds(double next) {
     for (FreeRect& rect : rects_) {
         if (rect.top <= next && next < rect.firstEnd) {
             rect.firstEnd = next;

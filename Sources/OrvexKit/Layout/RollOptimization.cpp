@@ -294,7 +294,7 @@ namespace {
 using namespace RollOptimization;
 
 /// The results of all searches for a layout, in the order in which they are to be judged.
-std::vector<QList<RollArtwork>> rotatingArrangements(const RollLayout& layout, double gap) {
+std::vector<QList<RollArtwork>> allArrangements(const RollLayout& layout, double gap) {
     const Variants ways = variants(layout.items, layout.widthInches);
     const std::vector<RollPacking::Order> orders = optimizedPackingOrders(layout.items);
     std::vector<std::vector<QList<RollArtwork>>> found(2 * orders.size());
@@ -303,7 +303,7 @@ std::vector<QList<RollArtwork>> rotatingArrangements(const RollLayout& layout, d
                                 .rollWidth = layout.widthInches,
                                 .beamWidth = beamWidth(layout.items.size()),
                                 .preferLowPlacement = number % 2 != 0};
-        found[number] = RollOptimization::rotatingArrangements(ways, orders[number / 2], rules);
+        found[number] = rotatingArrangements(ways, orders[number / 2], rules);
     });
     std::vector<QList<RollArtwork>> all;
     for (auto& each : found) {
@@ -359,7 +359,7 @@ void RollLayout::optimizeArrangement(bool allowQuarterTurns, double gapInches) {
     RollLayout optimized = *this;
     optimized.autoArrange(gapInches);
     if (allowQuarterTurns && !items.isEmpty()) {
-        for (const auto& arrangement : rotatingArrangements(*this, gapInches)) {
+        for (const auto& arrangement : allArrangements(*this, gapInches)) {
             if (prefersOptimized(arrangement, optimized.items, items)) {
                 optimized.items = arrangement;
             }

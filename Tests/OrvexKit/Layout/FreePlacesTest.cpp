@@ -63,6 +63,33 @@ TEST(FreePlaces, ofACopyGoOnByThemselves) {
     EXPECT_EQ(copy.vacancy({30.0, 10.0}), (Point{0.0, 20.0}));
 }
 
+TEST(FreePlaces, letWalksEndBelowABoxOfNoExtent) {
+    FreePlaces places(0.0, 60.0, {5.0, 5.0});
+    places.add({.index = 0, .x = 0.0, .y = 0.0, .width = 10.0, .height = 5.0 + 0.7e-9});
+    places.add({.index = 1, .x = 0.0, .y = 1.0, .width = 60.0, .height = 4.0});
+    places.add({.index = 2, .x = 55.0, .y = 0.5, .width = 1e-6, .height = 4.5 - 0.5e-9});
+    EXPECT_EQ(places.vacancy({10.0, 10.0}), (Point{50.0, 0.5 + (4.5 - 0.5e-9)}));
+}
+
+/// The vacancy in a hole of the width of 40 inches between boxes at `holeY` and `floorY`, whose other end is closed.
+std::optional<Point> vacancyInHole(double holeY, double floorY, double height) {
+    FreePlaces places(0.0, 60.0, {5.0, 5.0});
+    places.add({.index = 0, .x = 0.0, .y = 0.0, .width = 60.0, .height = holeY});
+    places.add({.index = 1, .x = 0.0, .y = holeY, .width = 20.0, .height = 8.0});
+    places.add({.index = 2, .x = 0.0, .y = floorY, .width = 60.0, .height = 10.0});
+    return places.vacancy({40.0, height});
+}
+
+TEST(FreePlaces, areFoundWhereCoordinatesAreTooLargeForTheSlack) {
+    EXPECT_EQ(vacancyInHole(1e15, 1e15 + 7.25, 7.3), (Point{20.0, 1e15}));
+}
+
+TEST(FreePlaces, areFoundInHolesThatRoundingMakesTooLowByMoreThanTheTolerance) {
+    constexpr double holeY = 0x1p26 - 100.0;
+    constexpr double floorY = holeY + 7.3;
+    EXPECT_EQ(vacancyInHole(holeY, floorY, floorY - holeY + 3.6e-9), (Point{20.0, holeY}));
+}
+
 TEST(FreePlaces, takeBoxesOfNoExtentAsTheWalkDoes) {
     FreePlaces places(0.0, 60.0, {5.0, 5.0});
     places.add({.index = 0, .x = 5.0, .y = 5.0, .width = 1e-7, .height = 1e-7});
