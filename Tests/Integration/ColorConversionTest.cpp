@@ -1,0 +1,134 @@
+#include "Command.h"
+#include "IccFixtures.h"
+#include "QpdfReading.h"
+#include "TemporaryFolder.h"
+#include "TiffFixture.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <gtest/gtest.h>
+
+namespace orvex {
+namespace {
+
+using test::CommandResult;
+using test::QpdfReading;
+using test::runCommand;
+using test::TiffFixture;
+
+QString q(const char* text) {
+    return QString::fromUtf8(text);
+}
+
+/// A picture of 6 x 5.13 inches, whose rows make three strips.
+TiffFixture picture(quint16 bits) {
+    TiffFixture tiff{.width = 600, .height = 513, .bits = bits};
+    tiff.density = {100, 100};
+    tiff.profile = test::icc::saved(test::icc::rgb(1.8));
+    tiff.pixels.resize(600 * 513 * 3 * bits / 8);
+    for (qsizetype index = 0; index < tiff.pixels.size(); ++index) {
+        tiff.pixels[index] = static_cast<char>(index * index / 977 + index / 7);
+    }
+    return tiff;
+}
+
+class ColorConversion : public ::testing::Test {
+protected:
+    QString path(const char* name) const { return folder_.path(q(name)); }
+
+    QString write(const char* name, const QByteArray& bytes) const { return folder_.write(q(name), bytes); }
+
+    QStringList rollCommand(const QStringList& pictures) const {
+        return QStringList{q("roll")} + pictures +
+               QStringList{q("-o"), path("roll.pdf"), q("--output-icc"), path("out.icc"), q("--driver-correction-off")};
+    }
+
+    test::TemporaryFolder folder_;
+    const QByteArray inks_ = test::icc::saved(test::icc::cmyk());
+    const QString profile_ = write("out.icc", inks_);
+};
+
+TEST_F(ColorConversion, fillsARollWithTheInksOfTheChosenProfile) {
+    const QStringList pictures{write("a.tif", picture(8).bytes()), write("b.tif", picture(16).bytes())};
+    const CommandResult result = runCommand(rollCommand(pictures) + QStringList{q("--intent"), q("saturation")});
+    ASSERT_EQ(result.status, 0) << result.errors.toStdString();
+    const QJsonArray audits = result.json().object()[q("audits")].toArray();
+    ASSERT_EQ(audits.size(), 2);
+    for (const QJsonValue& audit : audits) {
+        EXPECT_EQ(audit[q("renderedColorModel")], q("CMYK"));
+        EXPECT_EQ(audit[q("sourceProfileName")], q("Test RGB"));
+    }
+    EXPECT_EQ(audits[0][q("renderedBitsPerComponent")], 8);
+    EXPECT_EQ(audits[1][q("renderedBitsPerComponent")], 16);
+    QpdfReading pdf(path("roll.pdf"));
+    EXPECT_EQ(pdf.content().count("/Saturation ri "), 2);
+    for (QPDFObjectHandle& image : pdf.images()) {
+        EXPECT_EQ(QpdfReading::data(image.getDict().getKey("/ColorSpace").getArrayItem(1)), inks_);
+    }
+}
+
+TEST_F(ColorConversion, takesTheTaggedPicturesOfEveryContainerThatCanTellItsProfile) {
+    struct Case {
+        const char* file;
+        int bits;
+    };
+
+    const std::vector<Case> cases{{"jpeg/profile.jpg", 8},  {"jpeg/exif-srgb.jpg", 8}, {"jpeg/gray-turned.jpg", 8},
+                                  {"png/profile.png", 8},   {"png/srgb.png", 8},       {"png/alpha.png", 8},
+                                  {"tiff/sixteen.tif", 16}, {"tiff/bigtiff.tif", 8},   {"tiff/ink.tif", 8}};
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.file);
+        const CommandResult result = runCommand(rollCommand({q(ORVEX_SEEDS) + u'/' + q(each.file)}));
+        ASSERT_EQ(result.status, 0) << result.errors.toStdString();
+        EXPECT_EQ(result.json().object()[q("audits")][0][q("renderedColorModel")], q("CMYK"));
+        EXPECT_EQ(result.json().object()[q("audits")][0][q("renderedBitsPerComponent")], each.bits);
+        QpdfReading pdf(path("roll.pdf"));
+        QPDFObjectHandle image = pdf.images().at(0).getDict();
+        EXPECT_EQ(image.getKey("/Filter").getName(), "/FlateDecode") << "converted, not copied";
+        EXPECT_EQ(image.getKey("/ColorSpace").getArrayItem(1).getDict().getKey("/N").getIntValue(), 4);
+    }
+}
+
+TEST_F(ColorConversion, refusesPicturesWhoseContainerTellsNoProfile) {
+    write("roll.pdf", "old");
+    for (const char* file : {"jpeg/plain.jpg", "png/plain.png", "tiff/plain.tif", "heif/profile.heic"}) {
+        SCOPED_TRACE(file);
+        const CommandResult result = runCommand(rollCommand({q(ORVEX_SEEDS) + u'/' + q(file)}));
+        EXPECT_EQ(result.status, 1);
+        EXPECT_TRUE(result.errors.contains(q("The source reports no embedded ICC profile.")))
+            << result.errors.toStdString();
+        EXPECT_EQ(test::TemporaryFolder::read(path("roll.pdf")), "old");
+    }
+}
+
+TEST_F(ColorConversion, leavesTheEarlierRollIfAnyArtworkCannotBeConverted) {
+    TiffFixture untagged = picture(8);
+    untagged.profile.clear();
+    const QStringList pictures{write("a.tif", picture(8).bytes()), write("b.tif", untagged.bytes())};
+    write("roll.pdf", "old");
+    const QStringList names = folder_.names();
+    const CommandResult result = runCommand(rollCommand(pictures));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output, QByteArray());
+    EXPECT_TRUE(result.errors.contains(q("The source reports no embedded ICC profile. Its color space cannot be "
+                                         "guessed. Tag it correctly in your creative software or use driver-managed "
+                                         "color.")))
+        << result.errors.toStdString();
+    EXPECT_EQ(test::TemporaryFolder::read(path("roll.pdf")), "old");
+    EXPECT_EQ(folder_.names(), names);
+}
+
+TEST_F(ColorConversion, refusesAnOutputProfileThatConvertsToGray) {
+    write("out.icc", test::icc::saved(test::icc::gray(2.2)));
+    write("roll.pdf", "old");
+    const CommandResult result = runCommand(rollCommand({write("a.tif", picture(8).bytes())}));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.errors.contains(q("The output ICC must be an RGB/CMYK printer, display or color-space profile. "
+                                         "Device-link, abstract and named-color profiles are not accepted.")))
+        << result.errors.toStdString();
+    EXPECT_EQ(test::TemporaryFolder::read(path("roll.pdf")), "old");
+}
+
+} // namespace
+} // namespace orvex
