@@ -1,46 +1,52 @@
-// The validation of a profile, and the conversion of one strip from it and to it.
+// The validation of a profile, and the conversion of one strip of transparent pixels from it and to it, with the intent
+// that the profile itself names.
 
-#include "Color/ColorTransform.h"
+#include "Imaging/MemoryRaster.h"
 #include "OrvexError.h"
 #include "Output/ColorProcessor.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <vector>
 
 using namespace orvex;
+using platform::ColorModel;
+using platform::PixelFormat;
 
 namespace {
 
-constexpr std::size_t pixels = 64;
+constexpr qint64 width = 64;
+constexpr qint64 height = 16;
+constexpr qsizetype intentOffset = 67; // the last byte of the header's intent (ICC.1, 7.2.15)
 
-void convert(const platform::IccProfile& from, const platform::IccProfile& to, int bits) {
-    const auto transform =
-        platform::ColorTransform::make(from, bits, to, bits, platform::RenderingIntent::relativeColorimetric);
-    if (!transform) {
-        return;
+void convert(const QByteArray& from, ColorModel model, int bits, const QByteArray& to, ColorRenderingIntent intent) {
+    const PixelFormat format{.model = model, .bitsPerComponent = bits, .hasAlpha = true};
+    QByteArray pixels(width * height * format.bytesPerPixel(), '\0');
+    for (qsizetype i = 0; i < pixels.size(); ++i) {
+        pixels[i] = static_cast<char>(i * 41 % 256);
     }
-    std::vector<std::byte> source(pixels * transform->sourcePixelBytes());
-    for (std::size_t i = 0; i < source.size(); ++i) {
-        source[i] = static_cast<std::byte>(i * 41 % 256);
-    }
-    std::vector<std::byte> destination(pixels * transform->destinationPixelBytes());
-    if (!transform->convert(source, destination, pixels)) {
+    const auto converted =
+        ColorProcessor::apply(platform::memoryRaster(width, height, format, from, pixels),
+                              {from, QStringLiteral("fuzz")}, {ColorManagementMode::appManaged, intent, true}, to);
+    qint64 rows = 0;
+    converted.rows([&rows](const platform::RowStrip& strip) { rows += strip.rowCount; });
+    if (rows != height) {
         std::abort();
     }
 }
 
 void parse(const QByteArray& data, ICCUse use) {
-    static const auto sRgb = platform::IccProfile::fromData(platform::sRgbProfileData()).value();
+    const QByteArray& sRgb = platform::sRgbProfileData();
     try {
         const ParsedICC parsed = ColorProcessor::parseICC(data, use);
-        for (const int bits : {8, 16}) {
-            if (use == ICCUse::source) {
-                convert(parsed.profile, sRgb, bits);
-            } else {
-                convert(sRgb, parsed.profile, bits);
-            }
+        const auto intent = allColorRenderingIntents.at(static_cast<std::size_t>(data.at(intentOffset) & 3));
+        if (use == ICCUse::output) {
+            convert(sRgb, ColorModel::rgb, 8, data, intent);
+            convert(sRgb, ColorModel::rgb, 16, data, intent);
+            return;
+        }
+        convert(data, parsed.model, 8, sRgb, intent);
+        if (parsed.model != ColorModel::cmyk) {
+            convert(data, parsed.model, 16, sRgb, intent);
         }
     } catch (const OrvexError&) {
         return; // a refusal is an answer
