@@ -6,7 +6,9 @@
 
 #include <cstdio>
 #include <exception>
+#include <fstream>
 #include <functional>
+#include <stdexcept>
 
 using namespace orvex::samples;
 namespace fs = std::filesystem;
@@ -25,8 +27,18 @@ void make(const fs::path& file, const std::function<void(const fs::path&)>& writ
     fs::rename(part, file);
 }
 
+void writeBytes(const Bytes& bytes, const fs::path& file) {
+    std::ofstream output(file, std::ios::binary);
+    output.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    output.close();
+    if (!output) {
+        throw std::runtime_error("Cannot write " + file.string());
+    }
+}
+
 void makeAll(const fs::path& folder) {
     fs::create_directories(folder);
+    make(folder / "press.icc", [](const fs::path& file) { writeBytes(pressProfile(), file); });
     make(folder / "big.jpg", [](const fs::path& file) {
         JpegForm form;
         form.profile = sRgbProfile();

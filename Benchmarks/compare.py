@@ -102,6 +102,20 @@ def render(name):
     return Program("orvexctl render", [ORVEXCTL, "render", layout, "-o", scratch("rendered.pdf")])
 
 
+def convert(name):
+    layout = scratch(name + ".json")
+    subprocess.run([ORVEXCTL, "roll", picture(name), "-o", scratch("roll.pdf"), "--layout-out", layout], check=True,
+                   stdout=subprocess.DEVNULL)
+    return Program("orvexctl render", [ORVEXCTL, "render", layout, "-o", scratch("rendered.pdf"), "--output-icc",
+                                       picture("press.icc"), "--driver-correction-off"])
+
+
+def vips(name, compression, depth, rounds=ROUNDS):
+    return Program("vips icc_transform, TIFF %s" % compression,
+                   ["vips", "icc_transform", picture(name), scratch("vips.tif[compression=%s]" % compression),
+                    picture("press.icc"), "--intent", "relative", "--embedded", "--depth", str(depth)], rounds)
+
+
 def img2pdf(name):
     return Program("img2pdf", ["img2pdf", "--pillow-limit-break", picture(name), "-o", scratch("img2pdf.pdf")])
 
@@ -122,6 +136,9 @@ def tasks():
         Task("render JPEG to PDF", render(jpeg), img2pdf(jpeg), 1.5, 100, [mutool(jpeg, ROUNDS)]),
         Task("render PNG to PDF", render(png), mutool(png, 1), 1 / 6, 150),
         Task("render 16-bit TIFF 12000x8000 to PDF", render(tiff), mutool(tiff, 1), 1 / 6, 200),
+        Task("convert JPEG to CMYK PDF", convert(jpeg), vips(jpeg, "none", 8), 1.0, 250),
+        Task("the same", convert(jpeg), vips(jpeg, "deflate", 8, 1), 1 / 8, 250),
+        Task("convert 16-bit TIFF to 16-bit CMYK PDF", convert(tiff), vips(tiff, "none", 16), 1.0, 250),
     ]
 
 

@@ -1,8 +1,8 @@
 #include "Output/ColorProcessor.h"
 
-#include "Color/ColorTransform.h"
 #include "OrvexError.h"
 #include "OrvexLanguage.h"
+#include "ParallelLoop.h"
 
 #include <QtNumeric>
 
@@ -222,28 +222,40 @@ private:
         return conversion_.source.storedWidth() * static_cast<qint64>(conversion_.transform.sourcePixelBytes());
     }
 
-    /// The pixels without alpha.
-    std::span<const std::byte> opaque(std::span<const std::byte> pixels) {
+    /// The pixels without alpha; where they have any, they are laid on paper in `room`.
+    std::span<const std::byte> opaque(std::span<const std::byte> pixels, std::span<std::byte> room) const {
         const PixelFormat& format = conversion_.source.format();
         if (!format.hasAlpha) {
             return pixels;
         }
         const int components = componentCount(format.model);
         const bool isInk = format.model == ColorModel::cmyk;
-        const auto target = writable(opaque_);
         if (format.bitsPerComponent == 16) {
-            layOnPaper<quint16>(pixels, components, isInk ? 0 : 0xFFFF, target);
+            layOnPaper<quint16>(pixels, components, isInk ? 0 : 0xFFFF, room);
         } else {
-            layOnPaper<quint8>(pixels, components, isInk ? 0 : 0xFF, target);
+            layOnPaper<quint8>(pixels, components, isInk ? 0 : 0xFF, room);
         }
-        return target;
+        return room;
     }
 
+    /// Converts rows behind those that are filled, in bands on as many threads as the processor has.
     void convert(std::span<const std::byte> pixels, qint64 rowCount) {
+        constexpr qint64 bandRows = 16;
         const auto target =
             writable(converted_).subspan(static_cast<std::size_t>(filledRows_ * conversion_.rowBytes()));
-        require(conversion_.transform.convert(opaque(pixels), target,
-                                              static_cast<std::size_t>(rowCount * conversion_.source.storedWidth())));
+        const auto room = writable(opaque_);
+        platform::parallelLoop(static_cast<std::size_t>((rowCount + bandRows - 1) / bandRows), [&](std::size_t band) {
+            const qint64 first = static_cast<qint64>(band) * bandRows;
+            const qint64 count = std::min(bandRows, rowCount - first);
+            const auto ofBand = [&](auto bytes, qint64 rowBytes) {
+                return bytes.empty() ? bytes
+                                     : bytes.subspan(static_cast<std::size_t>(first * rowBytes),
+                                                     static_cast<std::size_t>(count * rowBytes));
+            };
+            const auto source = opaque(ofBand(pixels, conversion_.source.rowBytes()), ofBand(room, opaqueRowBytes()));
+            require(conversion_.transform.convert(source, ofBand(target, conversion_.rowBytes()),
+                                                  static_cast<std::size_t>(count * conversion_.source.storedWidth())));
+        });
         filledRows_ += rowCount;
     }
 
@@ -301,6 +313,12 @@ ParsedICC parseICC(const QByteArray& data, ICCUse use) {
 
 Raster apply(const Raster& image, const SourceColorProfile& sourceProfile, const ColorWorkflow& workflow,
              const std::optional<QByteArray>& outputICC) {
+    LastColorTransform none;
+    return apply(image, sourceProfile, workflow, outputICC, none);
+}
+
+Raster apply(const Raster& image, const SourceColorProfile& sourceProfile, const ColorWorkflow& workflow,
+             const std::optional<QByteArray>& outputICC, LastColorTransform& last) {
     if (workflow.mode != ColorManagementMode::appManaged) {
         return image;
     }
@@ -309,7 +327,7 @@ Raster apply(const Raster& image, const SourceColorProfile& sourceProfile, const
     const ParsedICC output = parseICC(*outputICC, ICCUse::output);
     requireSourceSpace(image, source);
     const int bits = workBits(image.format());
-    const ColorTransform transform = makeTransform(source, output, bits, workflow.intent);
+    const ColorTransform transform = last.of(source, output, bits, workflow.intent, makeTransform);
     const PixelFormat format{.model = output.model, .bitsPerComponent = bits};
     requireCountableBytes(image, format);
     return {image.storedWidth(), image.storedHeight(),

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Color/ColorTransform.h"
 #include "Color/IccProfile.h"
 #include "Imaging/Raster.h"
 #include "Output/ColorManagement.h"
@@ -21,6 +22,36 @@ struct ParsedICC {
     QString profileClass;
 };
 
+/// The last conversion that was made, kept for the next picture: what it has computed of the colours of two profiles
+/// serves every picture with these profiles. One thread.
+class LastColorTransform {
+public:
+    /// The transform between two profiles: the kept one if it was made for the same, else one made by `make` and kept.
+    template <typename Make>
+    platform::ColorTransform of(const ParsedICC& source, const ParsedICC& output, int bits, ColorRenderingIntent intent,
+                                const Make& make) {
+        const Key key{source.profile.data(), output.profile.data(), bits, intent};
+        if (!transform_ || !(key_ == key)) {
+            transform_ = make(source, output, bits, intent);
+            key_ = key;
+        }
+        return *transform_;
+    }
+
+private:
+    struct Key {
+        QByteArray source;
+        QByteArray output;
+        int bits = 0;
+        ColorRenderingIntent intent = ColorRenderingIntent::perceptual;
+
+        bool operator==(const Key&) const = default;
+    };
+
+    Key key_;
+    std::optional<platform::ColorTransform> transform_;
+};
+
 /// The single point at which pixels change colour.
 namespace ColorProcessor {
 
@@ -37,6 +68,11 @@ namespace ColorProcessor {
 /// if the source delivers others than it promised. Any thread.
 [[nodiscard]] platform::Raster apply(const platform::Raster& image, const SourceColorProfile& sourceProfile,
                                      const ColorWorkflow& workflow, const std::optional<QByteArray>& outputICC);
+
+/// The same, with the transform of the picture before if it serves again.
+[[nodiscard]] platform::Raster apply(const platform::Raster& image, const SourceColorProfile& sourceProfile,
+                                     const ColorWorkflow& workflow, const std::optional<QByteArray>& outputICC,
+                                     LastColorTransform& last);
 
 } // namespace ColorProcessor
 

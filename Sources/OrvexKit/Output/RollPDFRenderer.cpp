@@ -80,6 +80,7 @@ private:
     double widthPoints_ = 0;
     double lengthPoints_ = 0;
     double userUnit_ = 1;
+    LastColorTransform lastTransform_;
     QHash<QUuid, FileStamp> stamps_;
     QHash<QUrl, DrawnSource> drawn_;
 };
@@ -162,7 +163,7 @@ void Rendering::preflightArtwork(const RollArtwork& item) {
     requireDimensions(item, metadata.pixelWidth, metadata.pixelHeight);
     if (isAppManaged()) {
         const platform::Raster trial =
-            ColorProcessor::apply(metadata.preview, metadata.sourceColorProfile, workflow_, outputICC_);
+            ColorProcessor::apply(metadata.preview, metadata.sourceColorProfile, workflow_, outputICC_, lastTransform_);
         trial.rows([](const platform::RowStrip&) {});
     }
     if (FileStamp::read(item.sourceURL) != stamp) {
@@ -223,7 +224,7 @@ Rendering::DrawnSource Rendering::drawSource(const RollArtwork& item, platform::
     const platform::Raster raster = source->full();
     requireDimensions(item, raster.width(), raster.height());
     const SourceColorProfile profile = SourceColorProfile::detect(item.sourceURL, raster);
-    const platform::Raster converted = ColorProcessor::apply(raster, profile, workflow_, outputICC_);
+    const platform::Raster converted = ColorProcessor::apply(raster, profile, workflow_, outputICC_, lastTransform_);
     const auto encoded = isAppManaged() ? std::nullopt : source->encodedStream();
     const platform::PdfImage image = embed(item, converted, encoded, writer);
     return {.image = image,

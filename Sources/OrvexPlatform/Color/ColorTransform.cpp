@@ -1,5 +1,6 @@
 #include "Color/ColorTransform.h"
 
+#include "Color/ColorConverter.h"
 #include "Color/ColorEngine.h"
 
 namespace orvex::platform {
@@ -50,6 +51,19 @@ EngineProfile open(const EngineContext& context, const IccProfile& profile) {
 struct ColorTransform::Engine {
     EngineContext context; // destroyed after the transform, which lives in it
     EngineTransform transform;
+    std::size_t sourcePixelBytes = 0;
+    std::size_t destinationPixelBytes = 0;
+    std::unique_ptr<ColorConverter> converter; // absent where only the engine itself converts
+
+    void convertExactly(std::span<const std::byte> source, std::span<std::byte> destination) const {
+        const std::size_t pixelCount = source.size() / sourcePixelBytes;
+        for (std::size_t done = 0; done < pixelCount;) {
+            const std::size_t count = std::min(pixelCount - done, pixelsPerCall);
+            cmsDoTransform(transform.get(), source.data() + done * sourcePixelBytes,
+                           destination.data() + done * destinationPixelBytes, static_cast<cmsUInt32Number>(count));
+            done += count;
+        }
+    }
 };
 
 std::optional<ColorTransform> ColorTransform::make(const IccProfile& source, int sourceBits,
@@ -72,19 +86,38 @@ std::optional<ColorTransform> ColorTransform::make(const IccProfile& source, int
     if (!engine->transform) {
         return std::nullopt;
     }
-    return ColorTransform(std::move(engine), from->pixelBytes, to->pixelBytes);
+    engine->sourcePixelBytes = from->pixelBytes;
+    engine->destinationPixelBytes = to->pixelBytes;
+    if (sourceBits == destinationBits) {
+        engine->converter = ColorConverter::make({.source = *colorModel(source.space()),
+                                                  .destination = *colorModel(destination.space()),
+                                                  .bits = sourceBits},
+                                                 [exact = engine.get()](const auto& pixels, const auto& converted) {
+                                                     exact->convertExactly(pixels, converted);
+                                                 });
+    }
+    return ColorTransform(std::move(engine));
+}
+
+std::size_t ColorTransform::sourcePixelBytes() const {
+    return engine_->sourcePixelBytes;
+}
+
+std::size_t ColorTransform::destinationPixelBytes() const {
+    return engine_->destinationPixelBytes;
 }
 
 bool ColorTransform::convert(std::span<const std::byte> source, std::span<std::byte> destination,
                              std::size_t pixelCount) const {
-    if (source.size() / sourcePixelBytes_ < pixelCount || destination.size() / destinationPixelBytes_ < pixelCount) {
+    if (source.size() / sourcePixelBytes() < pixelCount || destination.size() / destinationPixelBytes() < pixelCount) {
         return false;
     }
-    for (std::size_t done = 0; done < pixelCount;) {
-        const std::size_t count = std::min(pixelCount - done, pixelsPerCall);
-        cmsDoTransform(engine_->transform.get(), source.data() + done * sourcePixelBytes_,
-                       destination.data() + done * destinationPixelBytes_, static_cast<cmsUInt32Number>(count));
-        done += count;
+    source = source.first(pixelCount * sourcePixelBytes());
+    destination = destination.first(pixelCount * destinationPixelBytes());
+    if (engine_->converter) {
+        engine_->converter->convert(source, destination);
+    } else {
+        engine_->convertExactly(source, destination);
     }
     return true;
 }

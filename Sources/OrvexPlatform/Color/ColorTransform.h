@@ -12,8 +12,8 @@ namespace orvex::platform {
 enum class RenderingIntent { perceptual, relativeColorimetric, saturation, absoluteColorimetric };
 
 /// The way from the colours of one profile to those of another: device to connection space to device, with one intent
-/// for both halves, no black point compensation asked for, and every pixel computed from the profiles themselves.
-/// Copies share the engine's transform. Immutable; any thread, and several at once.
+/// for both halves, no black point compensation asked for. Every pixel is what the profiles themselves make of it, as
+/// ColorConverter says. Copies share what has been computed. Immutable; any thread, and several at once.
 class ColorTransform {
 public:
     /// Nothing if the engine cannot convert between the two, if a space is not gray, RGB or CMYK, or if the samples
@@ -23,9 +23,8 @@ public:
                                                             RenderingIntent intent);
 
     /// The bytes of a pixel on each side; samples are interleaved as in PixelFormat, without alpha.
-    [[nodiscard]] std::size_t sourcePixelBytes() const { return sourcePixelBytes_; }
-
-    [[nodiscard]] std::size_t destinationPixelBytes() const { return destinationPixelBytes_; }
+    [[nodiscard]] std::size_t sourcePixelBytes() const;
+    [[nodiscard]] std::size_t destinationPixelBytes() const;
 
     /// Converts `pixelCount` pixels from the beginning of `source` to the beginning of `destination`, which must not
     /// overlap. False, with nothing done, if either is too short for them.
@@ -35,15 +34,9 @@ public:
 private:
     struct Engine;
 
-    ColorTransform(std::shared_ptr<const Engine> engine, std::size_t sourcePixelBytes,
-                   std::size_t destinationPixelBytes)
-        : engine_(std::move(engine)),
-          sourcePixelBytes_(sourcePixelBytes),
-          destinationPixelBytes_(destinationPixelBytes) {}
+    explicit ColorTransform(std::shared_ptr<const Engine> engine) : engine_(std::move(engine)) {}
 
     std::shared_ptr<const Engine> engine_;
-    std::size_t sourcePixelBytes_;
-    std::size_t destinationPixelBytes_;
 };
 
 } // namespace orvex::platform
