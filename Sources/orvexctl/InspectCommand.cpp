@@ -42,7 +42,7 @@ void runInspect(const std::vector<std::string>& images, CommandContext& context)
         const QString url = isStandardStream(path) ? path : platform::urlText(platform::fileUrl(path));
         try {
             const InputFile file(path);
-            answers.append(describe(url, ImageMetadata::load(file.url())));
+            answers.append(describe(url, ImageMetadata::load(file.url(), context.stop)));
         } catch (const Failure& failure) {
             answers.append(QJsonObject{{QStringLiteral("url"), url}, {QStringLiteral("error"), failure.message()}});
             context.exitStatus = exitRefused;

@@ -8,7 +8,6 @@
 #include "InputFile.h"
 #include "Interrupted.h"
 #include "LayoutFile.h"
-#include "Output/RollPDFRenderer.h"
 #include "PDF/PdfView.h"
 #include "RollAnswers.h"
 
@@ -34,7 +33,7 @@ QByteArray pngOf(const QString& pdfPath, int longerSidePixels) {
 QByteArray pngOfLayout(const LayoutFile& file, int longerSidePixels, const std::stop_token& stop) {
     const platform::TemporaryFolder folder;
     const QString pdf = folder.filePath(QStringLiteral("roll.pdf"));
-    (void)RollPDFRenderer::render(file.layout, rollTitle({}), platform::fileUrl(pdf), {}, std::nullopt, stop);
+    (void)renderWithProgress(file.layout, rollTitle({}), platform::fileUrl(pdf), {}, stop);
     return pngOf(pdf, longerSidePixels);
 }
 

@@ -4,7 +4,6 @@
 #include "Commands.h"
 #include "Files/Paths.h"
 #include "LayoutFile.h"
-#include "Output/RollPDFRenderer.h"
 #include "PdfDestination.h"
 #include "RollAnswers.h"
 
@@ -32,8 +31,7 @@ void runRender(const RenderOptions& options, const CommandContext& context) {
     refuseOverwriting(output, inputs);
     const PdfDestination destination(output);
     const QList<RollSourceAudit> audits =
-        RollPDFRenderer::render(file.layout, rollTitle(options.title), destination.url(), options.color.workflow(),
-                                options.color.outputProfile(), context.stop);
+        renderWithProgress(file.layout, rollTitle(options.title), destination.url(), options.color, context.stop);
     if (destination.isStandardOutput()) {
         destination.deliver(context.stop);
         return;

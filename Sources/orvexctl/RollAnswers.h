@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ColorOptions.h"
 #include "Output/RollPDFRenderer.h"
 
 #include <QJsonArray>
@@ -13,5 +14,9 @@ namespace orvex {
 [[nodiscard]] QString rollTitle(const std::string& argument);
 
 [[nodiscard]] QJsonArray toJson(const QList<RollSourceAudit>& audits);
+
+/// RollPDFRenderer::render, with a progress bar.
+[[nodiscard]] QList<RollSourceAudit> renderWithProgress(const RollLayout& layout, const QString& title, const QUrl& to,
+                                                        const ColorOptions& color, const std::stop_token& stop);
 
 } // namespace orvex

@@ -16,6 +16,7 @@
 #include "Output/ArtworkImport.h"
 #include "Output/RollPDFRenderer.h"
 #include "PdfDestination.h"
+#include "ProgressBar.h"
 #include "RollAnswers.h"
 
 #include <QJsonObject>
@@ -88,8 +89,7 @@ struct ImportedRoll {
     QStringList warnings;
 };
 
-void importImage(const QUrl& url, const PrintSize& size, ImportedRoll& roll) {
-    const ImageMetadata metadata = ImageMetadata::load(url);
+void importImage(const ImageMetadata& metadata, const PrintSize& size, ImportedRoll& roll) {
     RollLayout& layout = roll.workspace.layout;
     const RollArtwork artwork =
         size.isGiven() ? artworkOf(metadata, layout.widthInches) : importedArtwork(metadata, layout.widthInches);
@@ -100,7 +100,7 @@ void importImage(const QUrl& url, const PrintSize& size, ImportedRoll& roll) {
     roll.workspace.sizingDescriptions.insert(platform::uuidText(id), metadata.physicalSizeSource);
     roll.workspace.selection = id;
     if (metadata.isPhysicalSizeEstimated()) {
-        roll.warnings.append(url.fileName() + u'：' + metadata.physicalSizeSourceLabel());
+        roll.warnings.append(metadata.url.fileName() + u'：' + metadata.physicalSizeSourceLabel());
     }
 }
 
@@ -111,10 +111,17 @@ ImportedRoll importImages(const QList<QUrl>& urls, const std::vector<PrintSize>&
     roll.workspace.layout = RollLayout({}, options.widthInches);
     roll.workspace.gapInches = options.gapInches;
     QStringList failures;
+    ProgressBar bar;
     for (qsizetype index = 0; index < urls.size(); ++index) {
+        const QString label = spt("读取 %1/%2", "Reading %1/%2").arg(index + 1).arg(urls.size());
+        const auto showProgress = [&](qint64 done, qint64 count) {
+            const double ofImage = static_cast<double>(done) / static_cast<double>(count);
+            bar.show(label, (static_cast<double>(index) + ofImage) / static_cast<double>(urls.size()));
+        };
         platform::throwIfStopped(stop);
         try {
-            importImage(urls[index], sizes[static_cast<std::size_t>(index)], roll);
+            importImage(ImageMetadata::load(urls[index], stop, showProgress), sizes[static_cast<std::size_t>(index)],
+                        roll);
         } catch (const Failure& failure) {
             failures.append(urls[index].fileName() + u'：' + failure.message());
         }
@@ -196,9 +203,8 @@ void runRoll(const RollOptions& options, const CommandContext& context) {
             .write(roll.workspace.encode());
     }
     const PdfDestination destination(argumentText(options.output));
-    const QList<RollSourceAudit> audits =
-        RollPDFRenderer::render(roll.workspace.layout, rollTitle(options.title), destination.url(),
-                                options.color.workflow(), options.color.outputProfile(), context.stop);
+    const QList<RollSourceAudit> audits = renderWithProgress(roll.workspace.layout, rollTitle(options.title),
+                                                             destination.url(), options.color, context.stop);
     if (layoutFile) {
         layoutFile->commit();
     }

@@ -1,5 +1,6 @@
 #include "Output/ColorProcessor.h"
 
+#include "Imaging/OverlappedRows.h"
 #include "OrvexError.h"
 #include "OrvexLanguage.h"
 #include "ParallelLoop.h"
@@ -282,7 +283,8 @@ public:
 
     void rows(const RowSink& sink) const override {
         ConvertedStrips strips(conversion_, sink);
-        conversion_.source.rows([&strips](const RowStrip& strip) { strips.take(strip); });
+        // Decoding goes on in a thread of its own.
+        platform::overlappedRows(conversion_.source, [&strips](const RowStrip& strip) { strips.take(strip); });
         strips.finish();
     }
 

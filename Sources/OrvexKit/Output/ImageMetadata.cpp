@@ -48,9 +48,9 @@ Density densityOf(const platform::ImageProperties& properties) {
     return {x, statedPrefix + formatNumber(x, 2) + statedSuffix};
 }
 
-std::unique_ptr<platform::ImageSource> openSource(const QUrl& url) {
+std::unique_ptr<platform::ImageSource> openSource(const QUrl& url, const std::stop_token& stop) {
     try {
-        return platform::ImageSource::open(platform::localPath(url));
+        return platform::ImageSource::open(platform::localPath(url), stop);
     } catch (const platform::ImageError&) {
         throw unreadableError();
     } catch (const platform::FileSystemError&) {
@@ -67,9 +67,10 @@ OrvexError ImageMetadata::decodingError() {
             "pixel-count or image-file-size cap."));
 }
 
-platform::Raster ImageMetadata::raster(const platform::ImageSource& source, qint64 maximum) {
+platform::Raster ImageMetadata::raster(const platform::ImageSource& source, qint64 maximum,
+                                       const platform::RowProgress& progress) {
     try {
-        return source.preview(maximum);
+        return source.preview(maximum, progress);
     } catch (const platform::ImageError&) {
         throw decodingError();
     } catch (const std::bad_alloc&) {
@@ -77,13 +78,13 @@ platform::Raster ImageMetadata::raster(const platform::ImageSource& source, qint
     }
 }
 
-ImageMetadata ImageMetadata::load(const QUrl& url) {
-    const std::unique_ptr<platform::ImageSource> source = openSource(url);
+ImageMetadata ImageMetadata::load(const QUrl& url, const std::stop_token& stop, const platform::RowProgress& progress) {
+    const std::unique_ptr<platform::ImageSource> source = openSource(url, stop);
     const platform::ImageProperties properties = source->properties();
     if (properties.pixelWidth < 1 || properties.pixelHeight < 1) {
         throw unreadableError();
     }
-    platform::Raster preview = raster(*source, previewPixels);
+    platform::Raster preview = raster(*source, previewPixels, progress);
     SourceColorProfile profile = SourceColorProfile::detect(url, preview);
     const bool isTurned = platform::isQuarterTurned(properties.orientation);
     const qint64 pixelWidth = isTurned ? properties.pixelHeight : properties.pixelWidth;

@@ -26,12 +26,15 @@ struct ImageMetadata {
 
     /// Inspects a file; every pixel is read on the way, so that a damaged file is refused here. Gives the same answer
     /// for the same file each time. Raises OrvexError, or the file system's own error if the file opens as an image and
-    /// then cannot be read. Any thread.
-    [[nodiscard]] static ImageMetadata load(const QUrl& url);
+    /// then cannot be read, and Interrupted soon after a stop is requested. `progress` is told of the stored rows, on
+    /// the calling thread. Any thread.
+    [[nodiscard]] static ImageMetadata load(const QUrl& url, const std::stop_token& stop = {},
+                                            const platform::RowProgress& progress = {});
 
     /// The opened file's picture with its longer side limited to `maximum`, materialised and upright. Raises
     /// OrvexError.
-    [[nodiscard]] static platform::Raster raster(const platform::ImageSource& source, qint64 maximum);
+    [[nodiscard]] static platform::Raster raster(const platform::ImageSource& source, qint64 maximum,
+                                                 const platform::RowProgress& progress = {});
 
     /// The refusal of a picture that opens but cannot be decoded.
     [[nodiscard]] static OrvexError decodingError();

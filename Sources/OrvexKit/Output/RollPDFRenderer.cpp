@@ -41,11 +41,12 @@ OrvexError refusal(const QString& message) {
 class Rendering {
 public:
     Rendering(const RollLayout& layout, const ColorWorkflow& workflow, const std::optional<QByteArray>& outputICC,
-              const std::stop_token& stop)
+              const std::stop_token& stop, const ProgressReport& report)
         : layout_(layout),
           workflow_(workflow),
           outputICC_(outputICC),
-          stop_(stop) {}
+          stop_(stop),
+          report_(report) {}
 
     void guardSources(const QUrl& to) const;
     void measure();
@@ -57,18 +58,21 @@ private:
     struct DrawnSource {
         platform::PdfImage image;
         int orientation = 1;
+        qint64 storedRows = 0;
         RollSourceAudit audit;
     };
 
     [[nodiscard]] bool isAppManaged() const { return workflow_.mode == ColorManagementMode::appManaged; }
 
-    void preflightArtwork(const RollArtwork& item);
+    [[nodiscard]] platform::RowProgress rowProgress(RenderStage stage, qsizetype index) const;
+    qint64 preflightArtwork(qsizetype index);
     void requireStamp(const RollArtwork& item, const QString& message) const;
     QList<RollSourceAudit> draw(platform::PdfWriter& writer, RollPageContent& content);
-    const DrawnSource& drawnSource(const RollArtwork& item, platform::PdfWriter& writer);
-    DrawnSource drawSource(const RollArtwork& item, platform::PdfWriter& writer);
+    const DrawnSource& drawnSource(qsizetype index, platform::PdfWriter& writer);
+    DrawnSource drawSource(const RollArtwork& item, platform::PdfWriter& writer, const platform::RowProgress& progress);
     platform::PdfImage embed(const RollArtwork& item, const platform::Raster& image,
-                             const std::optional<platform::EncodedStream>& encoded, platform::PdfWriter& writer) const;
+                             const std::optional<platform::EncodedStream>& encoded, platform::PdfWriter& writer,
+                             const platform::RowProgress& progress) const;
     void strokeFrames(RollPageContent& content) const;
     void verify(const QString& path) const;
     void confirmSources() const;
@@ -77,6 +81,7 @@ private:
     const ColorWorkflow& workflow_;
     const std::optional<QByteArray>& outputICC_;
     const std::stop_token& stop_;
+    const ProgressReport& report_;
     double widthPoints_ = 0;
     double lengthPoints_ = 0;
     double userUnit_ = 1;
@@ -157,14 +162,33 @@ void Rendering::measure() {
     }
 }
 
-void Rendering::preflightArtwork(const RollArtwork& item) {
+platform::RowProgress Rendering::rowProgress(RenderStage stage, qsizetype index) const {
+    return [this, stage, index](qint64 done, qint64 count) {
+        if (report_) {
+            report_({.stage = stage,
+                     .artwork = index + 1,
+                     .artworkCount = layout_.items.size(),
+                     .rowsDone = done,
+                     .rowCount = count});
+        }
+    };
+}
+
+/// The stored rows of the artwork's source.
+qint64 Rendering::preflightArtwork(qsizetype index) {
+    const RollArtwork& item = layout_.items[index];
     const FileStamp stamp = FileStamp::read(item.sourceURL);
-    const ImageMetadata metadata = ImageMetadata::load(item.sourceURL);
+    qint64 storedRows = 0;
+    const ImageMetadata metadata = ImageMetadata::load(
+        item.sourceURL, stop_, [&, tell = rowProgress(RenderStage::preflight, index)](qint64 done, qint64 count) {
+            storedRows = count;
+            tell(done, count);
+        });
     requireDimensions(item, metadata.pixelWidth, metadata.pixelHeight);
     if (isAppManaged()) {
         const platform::Raster trial =
             ColorProcessor::apply(metadata.preview, metadata.sourceColorProfile, workflow_, outputICC_, lastTransform_);
-        trial.rows([](const platform::RowStrip&) {});
+        trial.rows([this](const platform::RowStrip&) { platform::throwIfStopped(stop_); });
     }
     if (FileStamp::read(item.sourceURL) != stamp) {
         throw refusal(spt("作品在导出前检查期间发生了变化：%1。请重新导入。",
@@ -172,21 +196,28 @@ void Rendering::preflightArtwork(const RollArtwork& item) {
                           .arg(item.title));
     }
     stamps_.insert(item.id, stamp);
+    return storedRows;
 }
 
 void Rendering::preflight() {
     // The first artwork of each source proves it for the later ones, whose stamps tell whether it is still the same.
-    QHash<QUrl, const RollArtwork*> proven;
-    for (const RollArtwork& item : layout_.items) {
+    struct Proof {
+        const RollArtwork* artwork = nullptr;
+        qint64 storedRows = 0;
+    };
+
+    QHash<QUrl, Proof> proven;
+    for (qsizetype index = 0; index < layout_.items.size(); ++index) {
         platform::throwIfStopped(stop_);
-        const RollArtwork* first = proven.value(item.sourceURL, nullptr);
+        const RollArtwork& item = layout_.items[index];
+        const auto [first, storedRows] = proven.value(item.sourceURL);
         if (first != nullptr && FileStamp::read(item.sourceURL) == stamps_.value(first->id)) {
             requireDimensions(item, first->pixelWidth, first->pixelHeight);
             stamps_.insert(item.id, stamps_.value(first->id));
+            rowProgress(RenderStage::preflight, index)(storedRows, storedRows);
             continue;
         }
-        preflightArtwork(item);
-        proven.insert(item.sourceURL, &item);
+        proven.insert(item.sourceURL, {&item, preflightArtwork(index)});
     }
 }
 
@@ -198,13 +229,13 @@ void Rendering::requireStamp(const RollArtwork& item, const QString& message) co
 }
 
 platform::PdfImage Rendering::embed(const RollArtwork& item, const platform::Raster& image,
-                                    const std::optional<platform::EncodedStream>& encoded,
-                                    platform::PdfWriter& writer) const {
+                                    const std::optional<platform::EncodedStream>& encoded, platform::PdfWriter& writer,
+                                    const platform::RowProgress& progress) const {
     const QString changed =
         spt("作品在读取期间发生了变化：%1。请重新导入。", "Artwork changed while being read: %1. Import it again.");
     try {
-        const platform::PdfImage embedded =
-            encoded ? writer.addImage(*encoded, image.iccProfile(), stop_) : writer.addImage(image, stop_);
+        const platform::PdfImage embedded = encoded ? writer.addImage(*encoded, image.iccProfile(), stop_, progress)
+                                                    : writer.addImage(image, stop_, progress);
         requireStamp(item, changed);
         return embedded;
     } catch (const platform::ImageError&) {
@@ -214,10 +245,11 @@ platform::PdfImage Rendering::embed(const RollArtwork& item, const platform::Ras
     }
 }
 
-Rendering::DrawnSource Rendering::drawSource(const RollArtwork& item, platform::PdfWriter& writer) {
+Rendering::DrawnSource Rendering::drawSource(const RollArtwork& item, platform::PdfWriter& writer,
+                                             const platform::RowProgress& progress) {
     std::unique_ptr<platform::ImageSource> source;
     try {
-        source = platform::ImageSource::open(platform::localPath(item.sourceURL));
+        source = platform::ImageSource::open(platform::localPath(item.sourceURL), stop_);
     } catch (const Failure&) {
         throw refusal(spt("无法再次读取作品：%1。", "Cannot read the artwork again: %1.").arg(item.title));
     }
@@ -226,9 +258,10 @@ Rendering::DrawnSource Rendering::drawSource(const RollArtwork& item, platform::
     const SourceColorProfile profile = SourceColorProfile::detect(item.sourceURL, raster);
     const platform::Raster converted = ColorProcessor::apply(raster, profile, workflow_, outputICC_, lastTransform_);
     const auto encoded = isAppManaged() ? std::nullopt : source->encodedStream();
-    const platform::PdfImage image = embed(item, converted, encoded, writer);
+    const platform::PdfImage image = embed(item, converted, encoded, writer, progress);
     return {.image = image,
             .orientation = converted.orientation(),
+            .storedRows = converted.storedHeight(),
             .audit = {.artworkID = item.id,
                       .sourceURL = item.sourceURL,
                       .sourceProfileName = profile.name,
@@ -241,22 +274,26 @@ Rendering::DrawnSource Rendering::drawSource(const RollArtwork& item, platform::
                       .renderedColorModel = colorModelText(converted.format().model)}};
 }
 
-const Rendering::DrawnSource& Rendering::drawnSource(const RollArtwork& item, platform::PdfWriter& writer) {
+const Rendering::DrawnSource& Rendering::drawnSource(qsizetype index, platform::PdfWriter& writer) {
+    const RollArtwork& item = layout_.items[index];
+    const platform::RowProgress progress = rowProgress(RenderStage::drawing, index);
     requireStamp(item, spt("作品在导出前检查之后发生了变化：%1。请重新导入。",
                            "Artwork changed after preflight: %1. Import it again."));
-    auto drawn = drawn_.constFind(item.sourceURL);
+    const auto drawn = drawn_.constFind(item.sourceURL);
     if (drawn == drawn_.constEnd()) {
-        drawn = drawn_.insert(item.sourceURL, drawSource(item, writer));
+        return *drawn_.insert(item.sourceURL, drawSource(item, writer, progress));
     }
+    progress(drawn->storedRows, drawn->storedRows);
     return *drawn;
 }
 
 QList<RollSourceAudit> Rendering::draw(platform::PdfWriter& writer, RollPageContent& content) {
     const auto intent = isAppManaged() ? std::optional(intentName(workflow_.intent)) : std::nullopt;
     QList<RollSourceAudit> audits;
-    for (const RollArtwork& item : layout_.items) {
+    for (qsizetype index = 0; index < layout_.items.size(); ++index) {
         platform::throwIfStopped(stop_);
-        const DrawnSource& source = drawnSource(item, writer);
+        const RollArtwork& item = layout_.items[index];
+        const DrawnSource& source = drawnSource(index, writer);
         const PageTransform placement =
             placementTransform(pageRect(item.artworkRectInches(), lengthPoints_), item.rotationQuarterTurns);
         content.drawImage(source.image.name(), uprightTransform(source.orientation).then(placement), intent);
@@ -334,13 +371,18 @@ QList<RollSourceAudit> Rendering::writeTo(const QUrl& to, const QString& title) 
 
 } // namespace
 
+double RenderProgress::fraction() const {
+    const double ofArtwork = static_cast<double>(rowsDone) / static_cast<double>(rowCount);
+    return (static_cast<double>(artwork - 1) + ofArtwork) / static_cast<double>(artworkCount);
+}
+
 QList<RollSourceAudit> render(const RollLayout& layout, const QString& title, const QUrl& to,
                               const ColorWorkflow& colorWorkflow, const std::optional<QByteArray>& outputICC,
-                              const std::stop_token& stop) {
+                              const std::stop_token& stop, const ProgressReport& report) {
     if (const auto message = layout.exportValidationError()) {
         throw refusal(*message);
     }
-    Rendering rendering(layout, colorWorkflow, outputICC, stop);
+    Rendering rendering(layout, colorWorkflow, outputICC, stop, report);
     rendering.guardSources(to);
     rendering.measure();
     rendering.preflight();

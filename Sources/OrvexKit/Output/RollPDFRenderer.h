@@ -11,6 +11,7 @@
 #include <QUrl>
 #include <QUuid>
 
+#include <functional>
 #include <optional>
 #include <stop_token>
 
@@ -49,17 +50,40 @@ namespace RollPDFRenderer {
 /// others. Works in page points.
 void validateFrames(const RollLayout& layout, const Rect& pagePoints);
 
+enum class RenderStage {
+    preflight, ///< every source is read through for the first time
+    drawing    ///< their pixels go into the PDF
+};
+
+/// How far a rendering has come.
+struct RenderProgress {
+    RenderStage stage = RenderStage::preflight;
+    qsizetype artwork = 1; ///< the one at work, from 1 to `artworkCount`
+    qsizetype artworkCount = 1;
+    qint64 rowsDone = 0; ///< of its source's stored rows
+    qint64 rowCount = 1;
+
+    /// The part of the stage that is done, 0 to 1, every artwork counting the same.
+    [[nodiscard]] double fraction() const;
+
+    bool operator==(const RenderProgress&) const = default;
+};
+
+/// Is told of a rendering's progress, once for each strip of rows at most; an artwork whose source has come before is
+/// done at once. Called on the thread that called `render`, which waits for it; what it raises ends the rendering.
+using ProgressReport = std::function<void(const RenderProgress&)>;
+
 /// Writes the layout as a one-page PDF at the artworks' full resolution.
 ///
 /// The file at `to` is left alone or replaced by a complete, verified PDF. Every source is stamped before its first
 /// pixel is read, and checked again at each stage; the sources are never touched. Returns what was drawn, in the order
 /// of the layout's items. Raises OrvexError, FileSystemError as the system gave it, PdfError beyond the limits of the
-/// format, and Interrupted once a stop is requested; after any of them no temporary file is left. Any thread; it takes
-/// long.
+/// format, what `report` raises, and Interrupted within a moment of a stop request; after any of them no temporary file
+/// is left. Any thread; it takes long.
 [[nodiscard]] QList<RollSourceAudit> render(const RollLayout& layout, const QString& title, const QUrl& to,
                                             const ColorWorkflow& colorWorkflow,
                                             const std::optional<QByteArray>& outputICC,
-                                            const std::stop_token& stop = {});
+                                            const std::stop_token& stop = {}, const ProgressReport& report = {});
 
 } // namespace RollPDFRenderer
 

@@ -9,17 +9,19 @@
 
 namespace orvex::platform {
 
-RandomAccessFile RandomAccessFile::open(const QString& path) {
+RandomAccessFile RandomAccessFile::open(const QString& path, const std::stop_token& stop) {
     FileDescriptor descriptor = openRegularFile(path, O_RDONLY);
     const qint64 size = sizeBytes(descriptor, path);
-    return {std::move(descriptor), path, size};
+    return {std::move(descriptor), path, size, stop};
 }
 
 qint64 RandomAccessFile::readAt(qint64 offset, std::span<std::byte> buffer) const {
+    throwIfStopped();
     return platform::readAt(descriptor_, offset, buffer, path_);
 }
 
 QByteArray RandomAccessFile::bytesAt(qint64 offset, qint64 count) const {
+    throwIfStopped();
     return platform::bytesAt(descriptor_, size_, offset, count, path_);
 }
 

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "Files/FileDescriptor.h"
+#include "Interrupted.h"
 
 #include <QByteArray>
 #include <QString>
 
 #include <cstddef>
 #include <span>
+#include <stop_token>
 
 namespace orvex::platform {
 
@@ -15,29 +17,35 @@ namespace orvex::platform {
 class RandomAccessFile {
 public:
     /// Opens a regular file. Raises FileSystemError if it cannot be opened or is anything else; a FIFO or a device is
-    /// never waited for.
-    [[nodiscard]] static RandomAccessFile open(const QString& path);
+    /// never waited for. Once a stop is requested, nothing more can be read of the file.
+    [[nodiscard]] static RandomAccessFile open(const QString& path, const std::stop_token& stop = {});
 
     /// The size in bytes at the time of opening.
     [[nodiscard]] qint64 size() const { return size_; }
 
     [[nodiscard]] const QString& path() const { return path_; }
 
-    /// Reads from `offset` into `buffer`; the count is short only at the end of the file. Raises FileSystemError.
+    /// Raises Interrupted if a stop has been requested; for whoever works long on what it has read.
+    void throwIfStopped() const { platform::throwIfStopped(stop_); }
+
+    /// Reads from `offset` into `buffer`; the count is short only at the end of the file. Raises FileSystemError, and
+    /// Interrupted once a stop is requested.
     [[nodiscard]] qint64 readAt(qint64 offset, std::span<std::byte> buffer) const;
 
-    /// The bytes from `offset`, fewer than `count` only at the end of the file. Raises FileSystemError.
+    /// The bytes from `offset`, fewer than `count` only at the end of the file. Raises what `readAt` raises.
     [[nodiscard]] QByteArray bytesAt(qint64 offset, qint64 count) const;
 
 private:
-    RandomAccessFile(FileDescriptor descriptor, QString path, qint64 size)
+    RandomAccessFile(FileDescriptor descriptor, QString path, qint64 size, std::stop_token stop)
         : descriptor_(std::move(descriptor)),
           path_(std::move(path)),
-          size_(size) {}
+          size_(size),
+          stop_(std::move(stop)) {}
 
     FileDescriptor descriptor_;
     QString path_;
     qint64 size_;
+    std::stop_token stop_;
 };
 
 /// The whole content of a regular file. Raises FileSystemError, also if the file is larger than `limitBytes`.

@@ -19,10 +19,7 @@ bool isTiff(const QByteArray& head) {
            head.startsWith(QByteArrayView("II+\0", 4)) || head.startsWith(QByteArrayView("MM\0+", 4));
 }
 
-} // namespace
-
-std::unique_ptr<ImageSource> ImageSource::open(const QString& path) {
-    auto file = std::make_shared<const RandomAccessFile>(RandomAccessFile::open(path));
+std::unique_ptr<ImageSource> openImage(std::shared_ptr<const RandomAccessFile> file) {
     const QByteArray head = file->bytesAt(0, signatureBytes);
     if (head.startsWith("\x89PNG\r\n\x1a\n")) {
         return openPng(std::move(file));
@@ -37,6 +34,15 @@ std::unique_ptr<ImageSource> ImageSource::open(const QString& path) {
         return openHeif(std::move(file));
     }
     throw ImageError(QStringLiteral("no signature of a supported image format"));
+}
+
+} // namespace
+
+std::unique_ptr<ImageSource> ImageSource::open(const QString& path, const std::stop_token& stop) {
+    auto file = std::make_shared<const RandomAccessFile>(RandomAccessFile::open(path, stop));
+    std::unique_ptr<ImageSource> source = openImage(std::move(file));
+    source->stop_ = stop;
+    return source;
 }
 
 } // namespace orvex::platform

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "Imaging/Raster.h"
+#include "Imaging/RowProgress.h"
 
 #include <QByteArray>
 #include <QString>
 
 #include <memory>
 #include <optional>
+#include <stop_token>
 
 namespace orvex::platform {
 
@@ -47,7 +49,10 @@ public:
 
     /// Opens a JPEG, PNG, TIFF or HEIC file by its content. Raises ImageError for anything that is no such image or
     /// whose headers are damaged, FileSystemError if the file cannot be read.
-    [[nodiscard]] static std::unique_ptr<ImageSource> open(const QString& path);
+    ///
+    /// Once a stop is requested, whatever reads or decodes the source, its rasters included, soon raises Interrupted.
+    /// What cannot be stopped is a codec at work on one tile of a HEIC file or one segment of a TIFF file.
+    [[nodiscard]] static std::unique_ptr<ImageSource> open(const QString& path, const std::stop_token& stop = {});
 
     [[nodiscard]] virtual ImageProperties properties() const = 0;
 
@@ -68,10 +73,15 @@ public:
 
     /// An upright, materialised picture of the whole image whose longer side is `maximum` at most; depth, float flag,
     /// model, alpha and colour space stay those of the source. Never larger than the source.
-    [[nodiscard]] Raster preview(qint64 maximum) const;
+    ///
+    /// `progress` is told of the source's stored rows, on the calling thread.
+    [[nodiscard]] Raster preview(qint64 maximum, const RowProgress& progress = {}) const;
 
 protected:
     ImageSource() = default;
+
+private:
+    std::stop_token stop_;
 };
 
 } // namespace orvex::platform

@@ -236,6 +236,17 @@ bool JpegDecoder::refill() noexcept {
     }
 }
 
+/// Whether a stop is requested, with `readFailure_` if so.
+bool JpegDecoder::isStopped() noexcept {
+    try {
+        file_.throwIfStopped();
+        return false;
+    } catch (...) {
+        readFailure_ = std::current_exception();
+        return true;
+    }
+}
+
 boolean JpegDecoder::fillInputBuffer(j_decompress_ptr library) {
     if (!of(library).refill()) {
         of(library).fail("the JPEG file ends early, or its headers are too long");
@@ -255,8 +266,12 @@ void JpegDecoder::skipInputData(j_decompress_ptr library, long count) {
     of(library).position_ += static_cast<qint64>(wanted - buffered);
 }
 
+/// Called for every row of blocks: a file of several scans is read to its end before its first row of pixels.
 void JpegDecoder::monitorProgress(j_common_ptr common) {
     const auto* library = reinterpret_cast<j_decompress_ptr>(common);
+    if (of(common).isStopped()) {
+        of(common).fail("interrupted");
+    }
     if (library->input_scan_number > largestScanCount) {
         of(common).fail("the JPEG file has too many scans");
     }

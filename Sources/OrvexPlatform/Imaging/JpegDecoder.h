@@ -36,7 +36,8 @@ struct JpegHeader {
 
 /// One decoding pass over a JPEG file. The calls come in the order in which they stand here, each at most once but
 /// `readRows`. All raise ImageError for damaged, cut-off or unsupported data, and for all that the library warns of as
-/// damage; FileSystemError when the file cannot be read. After a failure only the destruction is left. One thread.
+/// damage; FileSystemError when the file cannot be read; Interrupted soon after a stop of the file's reading. After a
+/// failure only the destruction is left. One thread.
 ///
 /// Memory: some rows; for a progressive file or one with several scans the coefficients of the whole picture, two bytes
 /// for each sample.
@@ -80,6 +81,7 @@ private:
     void refuseBomb() const;
     [[nodiscard]] JpegHeader header() const;
     bool refill() noexcept;
+    bool isStopped() noexcept;
     [[noreturn]] void fail(const char* message);
 
     static JpegDecoder& of(j_common_ptr library);

@@ -86,7 +86,8 @@ std::size_t PngImageData::read(std::span<std::byte> buffer) {
 }
 
 PngInflater::PngInflater(const RandomAccessFile& file, qint64 offset)
-    : data_(file, offset),
+    : file_(file),
+      data_(file, offset),
       input_(inputBytes),
       state_(std::make_unique<inflate_state>()) {
     isal_inflate_init(state_.get());
@@ -121,6 +122,7 @@ std::size_t PngInflater::inflateInto(std::span<std::byte> buffer) {
 }
 
 void PngInflater::read(std::span<std::byte> buffer) {
+    file_.throwIfStopped(); // a few bytes of the file may hold a great many rows
     if (inflateInto(buffer) < buffer.size()) {
         throw ImageError(QStringLiteral("the PNG file has too little image data"));
     }

@@ -51,7 +51,8 @@ public:
     PngInflater(const PngInflater&) = delete;
     PngInflater& operator=(const PngInflater&) = delete;
 
-    /// Fills the buffer, of less than 4 GiB. Raises ImageError for damaged data or too little of it, FileSystemError.
+    /// Fills the buffer, of less than 4 GiB. Raises ImageError for damaged data or too little of it, FileSystemError,
+    /// and Interrupted if the reading of the file is to stop.
     void read(std::span<std::byte> buffer);
 
     /// Checks that the stream ends here, with its checksum, and that nothing follows. Raises ImageError,
@@ -62,6 +63,7 @@ private:
     [[nodiscard]] bool isFinished() const;
     [[nodiscard]] std::size_t inflateInto(std::span<std::byte> buffer);
 
+    const RandomAccessFile& file_;
     PngImageData data_;
     std::vector<std::byte> input_;
     std::unique_ptr<inflate_state> state_;

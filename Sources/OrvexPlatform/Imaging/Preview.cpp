@@ -2,6 +2,7 @@
 #include "Imaging/ImageSource.h"
 #include "Imaging/MemoryRaster.h"
 #include "Imaging/OverlappedRows.h"
+#include "Interrupted.h"
 
 #include <cstring>
 
@@ -60,26 +61,26 @@ private:
     qint64 rowStep_ = 1;
 };
 
-void copyRows(const Raster& raster, UprightPicture& picture) {
+RowSink rowCopier(const Raster& raster, UprightPicture& picture) {
     const auto rowBytes = static_cast<std::size_t>(raster.rowBytes());
-    overlappedRows(raster, [&](const RowStrip& strip) {
+    return [rowBytes, &picture](const RowStrip& strip) {
         for (qint64 row = 0; row < strip.rowCount; ++row) {
             picture.setRow(strip.firstRow + row,
                            strip.bytes.subspan(static_cast<std::size_t>(row) * rowBytes, rowBytes));
         }
-    });
+    };
 }
 
-void averageRows(const Raster& raster, AreaAverager::Size target, UprightPicture& picture) {
-    const auto averager =
+RowSink rowAverager(const Raster& raster, AreaAverager::Size target, UprightPicture& picture) {
+    const std::shared_ptr<AreaAverager> averager =
         AreaAverager::make(raster.format(), {raster.storedWidth(), raster.storedHeight()}, target,
-                           [&](qint64 row, std::span<const std::byte> pixels) { picture.setRow(row, pixels); });
-    overlappedRows(raster, [&](const RowStrip& strip) { averager->add(strip); });
+                           [&picture](qint64 row, std::span<const std::byte> pixels) { picture.setRow(row, pixels); });
+    return [averager](const RowStrip& strip) { averager->add(strip); };
 }
 
 } // namespace
 
-Raster ImageSource::preview(qint64 maximum) const {
+Raster ImageSource::preview(qint64 maximum, const RowProgress& progress) const {
     const ImageProperties stored = properties();
     const qint64 longer = std::max(stored.pixelWidth, stored.pixelHeight);
     const qint64 targetLonger = std::min(maximum, longer);
@@ -87,11 +88,19 @@ Raster ImageSource::preview(qint64 maximum) const {
                                     scaledSide(stored.pixelHeight, longer, targetLonger)};
     const Raster source = reduced(target.width, target.height);
     UprightPicture picture(target, source.orientation(), source.format().bytesPerPixel());
-    if (source.storedWidth() == target.width && source.storedHeight() == target.height) {
-        copyRows(source, picture); // sample for sample
-    } else {
-        averageRows(source, target, picture);
-    }
+    const bool isSameSize = source.storedWidth() == target.width && source.storedHeight() == target.height;
+    const RowSink layRows = isSameSize ? rowCopier(source, picture) : rowAverager(source, target, picture);
+    const auto tell = [&](qint64 rowsDone) {
+        if (progress) {
+            progress(stored.pixelHeight * rowsDone / source.storedHeight(), stored.pixelHeight);
+        }
+    };
+    tell(0);
+    overlappedRows(source, [&](const RowStrip& strip) {
+        throwIfStopped(stop_);
+        layRows(strip);
+        tell(strip.firstRow + strip.rowCount);
+    });
     const bool isTurned = isQuarterTurned(source.orientation());
     return memoryRaster(isTurned ? target.height : target.width, isTurned ? target.width : target.height,
                         source.format(), source.iccProfile(), picture.bytes());

@@ -25,6 +25,7 @@ struct CompressedStrip {
     QByteArray deflated;
     quint32 adler = 0;
     qint64 plainBytes = 0;
+    qint64 endRow = 0; ///< the first row after it
 };
 
 std::span<std::uint8_t> unsignedBytes(QByteArray& bytes) {
@@ -56,13 +57,14 @@ QByteArray deflate(std::vector<std::byte>& plain, bool isLast) {
     return deflated;
 }
 
-CompressedStrip compress(const std::vector<std::byte>& strip, const Raster& raster, Samples samples, bool isLast) {
+CompressedStrip compress(const std::vector<std::byte>& strip, const Raster& raster, Samples samples, qint64 endRow) {
     std::vector<std::byte> plain = predictRows(strip, raster.format(), raster.storedWidth(), samples);
     CompressedStrip result;
     result.plainBytes = static_cast<qint64>(plain.size());
     result.adler = static_cast<quint32>(
         adler32_z(adler32(0, nullptr, 0), reinterpret_cast<const Bytef*>(plain.data()), plain.size()));
-    result.deflated = deflate(plain, isLast);
+    result.deflated = deflate(plain, endRow == raster.storedHeight());
+    result.endRow = endRow;
     return result;
 }
 
@@ -101,20 +103,28 @@ int pdfBitsPerComponent(const PixelFormat& format) {
 }
 
 void flateRows(const Raster& raster, Samples samples, const std::function<void(QByteArrayView)>& output,
-               const std::stop_token& stop) {
-    const std::size_t largestPending = std::max(std::thread::hardware_concurrency(), 1U) + 1;
+               const std::stop_token& stop, const RowProgress& progress) {
+    const std::size_t largestPending =
+        std::clamp(std::thread::hardware_concurrency(), 1U, largestCompressingThreads) + 1;
     std::deque<std::future<CompressedStrip>> pending;
     ZlibStream stream(output);
+    const auto tell = [&](qint64 rowsDone) {
+        if (progress) {
+            progress(rowsDone, raster.storedHeight());
+        }
+    };
     const auto writeOldest = [&] {
         const CompressedStrip strip = pending.front().get();
         pending.pop_front();
         stream.append(strip);
+        tell(strip.endRow);
     };
+    tell(0);
     overlappedRows(raster, [&](const RowStrip& strip) {
         throwIfStopped(stop);
-        const bool isLast = strip.firstRow + strip.rowCount == raster.storedHeight();
+        const qint64 endRow = strip.firstRow + strip.rowCount;
         pending.push_back(inBackground([bytes = std::vector(strip.bytes.begin(), strip.bytes.end()), &raster, samples,
-                                        isLast] { return compress(bytes, raster, samples, isLast); }));
+                                        endRow] { return compress(bytes, raster, samples, endRow); }));
         if (pending.size() >= largestPending) {
             writeOldest();
         }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Imaging/Raster.h"
+#include "Imaging/RowProgress.h"
 
 #include <QByteArrayView>
 
@@ -20,9 +21,14 @@ enum class Samples { colours, alpha };
 /// in pieces and in order.
 ///
 /// Every strip is predicted and compressed for itself, on as many threads as the processor has, and the pieces are
-/// joined in order: the bytes depend on the raster alone. Only a few strips are in flight at any time. Raises what
-/// decoding raises, what `output` raises, and Interrupted once a stop is requested.
+/// joined in order: the bytes depend on the raster alone. Only a few strips are in flight at any time, and as many
+/// more as `largestCompressingThreads`. Both functions are called on the calling thread; `progress` is told of the rows
+/// that `output` has. Raises what decoding raises, what they raise, and Interrupted once a stop is requested.
 void flateRows(const Raster& raster, Samples samples, const std::function<void(QByteArrayView)>& output,
-               const std::stop_token& stop);
+               const std::stop_token& stop, const RowProgress& progress = {});
+
+/// However many threads the processor has: each holds a strip three times over, and decoding keeps no more of them
+/// busy.
+inline constexpr unsigned largestCompressingThreads = 8;
 
 } // namespace orvex::platform

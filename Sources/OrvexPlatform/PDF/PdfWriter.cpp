@@ -71,6 +71,14 @@ QByteArray crossReferenceEntry(qint64 offset) {
     return QByteArray::number(offset).rightJustified(10, '0') + " 00000 n \n";
 }
 
+/// The progress of the first (0) or second (1) of two readings of the same rows.
+RowProgress halfOf(const RowProgress& whole, qint64 half) {
+    if (!whole) {
+        return {};
+    }
+    return [&whole, half](qint64 done, qint64 count) { whole((half * count + done) / 2, count); };
+}
+
 } // namespace
 
 PdfWriter::PdfWriter(FileReplacer& file) : file_(file), offsets_(firstFreeObject, 0) {
@@ -128,7 +136,7 @@ QByteArray PdfWriter::colorSpace(ColorModel model, const std::optional<QByteArra
 }
 
 int PdfWriter::addRows(const Raster& raster, bool isSoftMask, const QByteArray& furtherEntries,
-                       const std::stop_token& stop) {
+                       const std::stop_token& stop, const RowProgress& progress) {
     const Samples samples = isSoftMask ? Samples::alpha : Samples::colours;
     const ColorModel model = isSoftMask ? ColorModel::gray : raster.format().model;
     const QByteArray space = isSoftMask ? deviceSpace(model) : colorSpace(model, raster.iccProfile());
@@ -139,25 +147,30 @@ int PdfWriter::addRows(const Raster& raster, bool isSoftMask, const QByteArray& 
                             flateEntries(componentCount(model), bits, raster.storedWidth()) + furtherEntries,
                         [&] {
                             const auto output = [this](QByteArrayView bytes) { putStreamData(bytes); };
-                            flateRows(raster, samples, output, stop);
+                            flateRows(raster, samples, output, stop, progress);
                         });
     return number;
 }
 
-PdfImage PdfWriter::addImage(const Raster& raster, const std::stop_token& stop) {
+PdfImage PdfWriter::addImage(const Raster& raster, const std::stop_token& stop, const RowProgress& progress) {
     if (predictedRows(raster.format(), raster.storedWidth(), Samples::colours).strideBytes() > largestRowBytes) {
         throw PdfError(spt("图像的像素行过宽，无法写入 PDF。", "The image's pixel rows are too wide for a PDF."));
     }
-    QByteArray softMask;
     if (raster.format().hasAlpha) {
-        softMask = " /SMask " + reference(addRows(raster, true, {}, stop));
+        const int mask = addRows(raster, true, {}, stop, halfOf(progress, 0));
+        const QByteArray entry = " /SMask " + reference(mask);
+        images_.push_back({addRows(raster, false, entry, stop, halfOf(progress, 1))});
+    } else {
+        images_.push_back({addRows(raster, false, {}, stop, progress)});
     }
-    images_.push_back({addRows(raster, false, softMask, stop)});
     return images_.back();
 }
 
 PdfImage PdfWriter::addImage(const EncodedStream& stream, const std::optional<QByteArray>& iccProfile,
-                             const std::stop_token& stop) {
+                             const std::stop_token& stop, const RowProgress& progress) {
+    if (progress) {
+        progress(0, stream.height);
+    }
     QByteArray space = colorSpace(stream.model, iccProfile);
     if (!stream.palette.isEmpty()) {
         space = indexedSpace(space, stream.palette);
@@ -174,6 +187,9 @@ PdfImage PdfWriter::addImage(const EncodedStream& stream, const std::optional<QB
                             });
                         });
     images_.push_back({number});
+    if (progress) {
+        progress(stream.height, stream.height);
+    }
     return images_.back();
 }
 

@@ -43,12 +43,15 @@ public:
     explicit PdfWriter(FileReplacer& file);
 
     /// Adds a raster at its full pixel size: its rows compressed, its colour space, its alpha as a soft mask of the
-    /// same depth. Its orientation is the business of whoever places it. Raises what decoding raises.
-    [[nodiscard]] PdfImage addImage(const Raster& raster, const std::stop_token& stop = {});
+    /// same depth. Its orientation is the business of whoever places it. `progress` is told of the rows that are in the
+    /// file; with alpha, each of the two readings of the raster counts for half. Raises what decoding raises.
+    [[nodiscard]] PdfImage addImage(const Raster& raster, const std::stop_token& stop = {},
+                                    const RowProgress& progress = {});
 
-    /// Adds an encoded picture untouched, in the given colour space or its model's device space.
+    /// Adds an encoded picture untouched, in the given colour space or its model's device space. Its rows are done all
+    /// at once.
     [[nodiscard]] PdfImage addImage(const EncodedStream& stream, const std::optional<QByteArray>& iccProfile,
-                                    const std::stop_token& stop = {});
+                                    const std::stop_token& stop = {}, const RowProgress& progress = {});
 
     /// Ends the document with its page; `content` is the page's content stream. Everything has reached the file then.
     void finish(const PdfPage& page, const QByteArray& content);
@@ -63,7 +66,8 @@ private:
     template <typename WriteData>
     void writeMeasuredStream(int number, const QByteArray& dictionary, WriteData writeData);
 
-    int addRows(const Raster& raster, bool isSoftMask, const QByteArray& furtherEntries, const std::stop_token& stop);
+    int addRows(const Raster& raster, bool isSoftMask, const QByteArray& furtherEntries, const std::stop_token& stop,
+                const RowProgress& progress);
     QByteArray colorSpace(ColorModel model, const std::optional<QByteArray>& iccProfile);
     int writeResources();
     int writeInformation(const PdfPage& page);

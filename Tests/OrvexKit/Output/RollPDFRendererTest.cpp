@@ -337,6 +337,45 @@ TEST_F(RollPDFRendererTest, endsWithoutATraceWhenAskedToStop) {
     EXPECT_EQ(folder_.names(), QStringList());
 }
 
+TEST_F(RollPDFRendererTest, tellsHowFarItHasCome) {
+    using RollPDFRenderer::RenderProgress;
+    using RollPDFRenderer::RenderStage;
+    TiffFixture tall = picture();
+    tall.orientation = 6; // 4 x 2 stored
+    const RollArtwork first =
+        RollArtwork::make({.id = QUuid::createUuid(),
+                           .sourceURL = QUrl::fromLocalFile(sources_.write(QStringLiteral("a.tif"), tall.bytes())),
+                           .pixelWidth = 2,
+                           .pixelHeight = 4,
+                           .widthInches = 5});
+    RollArtwork copy = first;
+    copy.id = QUuid::createUuid();
+    copy.yInches = 30;
+    QList<RenderProgress> told;
+    (void)RollPDFRenderer::render(RollLayout({first, copy, artwork(QStringLiteral("b.tif"), picture().bytes(), 60)}),
+                                  {}, QUrl::fromLocalFile(out_), {}, {}, {},
+                                  [&](const RenderProgress& progress) { told.append(progress); });
+    QList<RenderProgress> expected;
+    for (const RenderStage stage : {RenderStage::preflight, RenderStage::drawing}) {
+        expected +=
+            {{stage, 1, 3, 0, 2}, {stage, 1, 3, 2, 2}, {stage, 2, 3, 2, 2}, {stage, 3, 3, 0, 2}, {stage, 3, 3, 2, 2}};
+    }
+    EXPECT_EQ(told, expected);
+    EXPECT_EQ((RenderProgress{RenderStage::drawing, 3, 4, 1, 2}.fraction()), 0.625);
+}
+
+TEST_F(RollPDFRendererTest, endsWithoutATraceWhereItsReportFails) {
+    const RollLayout layout({artwork(QStringLiteral("a.tif"), picture().bytes())});
+    const auto report = [](const RollPDFRenderer::RenderProgress& progress) {
+        if (progress.stage == RollPDFRenderer::RenderStage::drawing) {
+            throw std::runtime_error("no more");
+        }
+    };
+    EXPECT_THROW((void)RollPDFRenderer::render(layout, {}, QUrl::fromLocalFile(out_), {}, {}, {}, report),
+                 std::runtime_error);
+    EXPECT_EQ(folder_.names(), QStringList());
+}
+
 TEST(RollSourceAudit, survivesItsJson) {
     RollSourceAudit audit{.artworkID = QUuid::createUuid(),
                           .sourceURL = QUrl(QStringLiteral("file:///tmp/a%20b.jpg")),

@@ -2,6 +2,7 @@
 
 #include "ChildProcess.h"
 #include "Files/FileSystemError.h"
+#include "Interrupted.h"
 #include "TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -42,6 +43,18 @@ protected:
 };
 
 } // namespace
+
+TEST_F(RandomAccessFileTest, GivesNothingMoreOnceAStopIsRequested) {
+    std::stop_source stop;
+    const RandomAccessFile file = RandomAccessFile::open(write("0123456789"), stop.get_token());
+    std::array<std::byte, 4> buffer{};
+    EXPECT_EQ(file.bytesAt(3, 4), "3456");
+    EXPECT_EQ(file.readAt(0, buffer), 4);
+    stop.request_stop();
+    EXPECT_THROW(static_cast<void>(file.bytesAt(3, 4)), Interrupted);
+    EXPECT_THROW(static_cast<void>(file.readAt(0, buffer)), Interrupted);
+    EXPECT_THROW(file.throwIfStopped(), Interrupted);
+}
 
 TEST_F(RandomAccessFileTest, ReadsBytesAnywhere) {
     const QString path = write("0123456789");

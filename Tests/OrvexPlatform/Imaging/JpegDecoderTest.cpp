@@ -2,6 +2,7 @@
 
 #include "Files/FileSystemError.h"
 #include "Imaging/ImageError.h"
+#include "Interrupted.h"
 #include "JpegFiles.h"
 
 #include <gmock/gmock.h>
@@ -305,6 +306,16 @@ TEST_F(JpegDecoding, PassesOnAFailureOfTheFileSystem) {
     const auto file =
         std::make_shared<const RandomAccessFile>(RandomAccessFile::open(QStringLiteral("/proc/self/mem")));
     EXPECT_THROW((void)openJpeg(file), FileSystemError);
+}
+
+TEST_F(JpegDecoding, StopsWithinAFileThatItHasReadAlready) {
+    const JpegFixture fixture{.width = 40, .height = 40, .coding = JpegFixture::Coding::progressive};
+    std::stop_source stop;
+    const RandomAccessFile file = RandomAccessFile::open(folder_.write(fileName, fixture.bytes()), stop.get_token());
+    JpegDecoder decoder(file);
+    (void)decoder.readHeader(false);
+    stop.request_stop();
+    EXPECT_THROW(decoder.start(1), Interrupted);
 }
 
 TEST_F(JpegDecoding, RefusesAFileThatChangedSinceItWasOpened) {

@@ -1,6 +1,9 @@
 #include "Color/IccProfile.h"
 #include "ExifFixture.h"
 #include "IccFixtures.h"
+#include "Imaging/PngHeader.h"
+#include "Imaging/PngImageData.h"
+#include "Interrupted.h"
 #include "PngFiles.h"
 
 #include <QtEndian>
@@ -792,6 +795,17 @@ TEST_F(PngImages, ProveTheStreamAgainWhenItIsCopied) {
         const QByteArray data = test::imageData(file);
         written.write(test::withImageData(file, data.first(500)));
     });
+}
+
+TEST_F(PngImages, StopWithinTheRowsOfAFewBytesOfTheFile) {
+    const test::PngFixture fixture{.width = 8, .height = 8, .filter = 0};
+    std::stop_source stop;
+    const RandomAccessFile file = RandomAccessFile::open(write(fixture.bytes()), stop.get_token());
+    PngInflater inflater(file, readPngHeader(file).imageDataOffset);
+    std::array<std::byte, 25> row{};
+    inflater.read(row);
+    stop.request_stop();
+    EXPECT_THROW(inflater.read(row), Interrupted);
 }
 
 } // namespace orvex::platform

@@ -104,6 +104,14 @@ TEST(Preview, IsAsLongAsAskedForAndKeepsTheProportions) {
     }
 }
 
+TEST(Preview, TellsOfTheStoredRowsOfTheSource) {
+    std::vector<std::pair<qint64, qint64>> told;
+    const auto progress = [&](qint64 done, qint64 count) { told.emplace_back(done, count); };
+    const MemoryImage image(10, 300, 6, gray8, QByteArray(3000, '\x21'));
+    (void)image.preview(30, progress);
+    EXPECT_EQ(told, (std::vector<std::pair<qint64, qint64>>{{0, 300}, {256, 300}, {300, 300}}));
+}
+
 TEST(Preview, StandsUpright) {
     // Three by two: ABC over DEF, as it is stored.
     const std::vector<std::pair<int, QByteArray>> rows{{1, "ABCDEF"}, {2, "CBAFED"}, {3, "FEDCBA"}, {4, "DEFABC"},

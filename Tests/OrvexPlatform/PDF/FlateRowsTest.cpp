@@ -8,6 +8,7 @@
 
 #include <cstring>
 #include <limits>
+#include <thread>
 
 namespace orvex::platform {
 namespace {
@@ -131,6 +132,20 @@ TEST(FlateRows, raisesWhatItsOutputRaises) {
         }
     };
     EXPECT_THROW(flateRows(raster, Samples::colours, failing, {}), std::runtime_error);
+}
+
+TEST(FlateRows, tellsOfTheRowsThatAreInTheStream) {
+    constexpr PixelFormat rgb{.model = ColorModel::rgb};
+    const Raster raster = memoryRaster(2000, 600, rgb, {}, picture(2000 * 600 * 3)); // strips of 256 rows
+    const auto caller = std::this_thread::get_id();
+    std::vector<std::pair<qint64, qint64>> told;
+    flateRows(
+        raster, Samples::colours, [](QByteArrayView) {}, {},
+        [&](qint64 done, qint64 count) {
+            EXPECT_EQ(std::this_thread::get_id(), caller);
+            told.emplace_back(done, count);
+        });
+    EXPECT_EQ(told, (std::vector<std::pair<qint64, qint64>>{{0, 600}, {256, 600}, {512, 600}, {600, 600}}));
 }
 
 TEST(FlateRows, endsWhenAskedToStop) {

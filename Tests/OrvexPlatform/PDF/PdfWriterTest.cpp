@@ -116,6 +116,17 @@ TEST_F(PdfWriterTest, makesAlphaASoftMaskOfTheSameDepth) {
     EXPECT_EQ(mask.getDict().getKey("/ColorSpace").getName(), "/DeviceGray");
 }
 
+TEST_F(PdfWriterTest, countsBothReadingsOfARasterWithAlphaForHalf) {
+    constexpr PixelFormat format{.model = ColorModel::gray, .hasAlpha = true};
+    std::vector<std::pair<qint64, qint64>> told;
+    (void)written([&](PdfWriter& writer) {
+        const auto progress = [&](qint64 done, qint64 count) { told.emplace_back(done, count); };
+        (void)writer.addImage(memoryRaster(1, 400, format, {}, QByteArray(800, '\1')), {}, progress);
+    });
+    EXPECT_EQ(told, (std::vector<std::pair<qint64, qint64>>{
+                        {0, 400}, {128, 400}, {200, 400}, {200, 400}, {328, 400}, {400, 400}}));
+}
+
 EncodedStream streamOf(const QByteArray& bytes) {
     EncodedStream stream;
     stream.width = 3;
