@@ -16,10 +16,10 @@ namespace orvex {
 ///
 /// Most walks are not made, and this cannot change the result. Wherever a walk ends, its frame overlaps no box by more
 /// than the tolerance and the rounding of a few sums: it has moved below all that it met, and once it ends above a box,
-/// it ends above all later ones, which begin no higher. Make every box smaller by `slackInches`, which is much more than
-/// both: then the frame lies in one of the largest rectangles that are free. Besides, a walk ends at 0 or exactly below
-/// a box. So an x can be passed over if in each such rectangle that holds the frame there, already the first y at which
-/// a walk can end is too low to win. Whatever decides between places is compared in a walk, to the last bit.
+/// it ends above all later ones, which begin no higher. Make every box smaller by `slackInches`, which is much more
+/// than both: then the frame lies in one of the largest rectangles that are free. Besides, a walk ends at 0 or exactly
+/// below a box. So an x can be passed over if in each such rectangle that holds the frame there, already the first y at
+/// which a walk can end is too low to win. Whatever decides between places is compared in a walk, to the last bit.
 class FreePlaces {
 public:
     /// An empty roll. No frame will be asked for that is smaller than `smallest` in either direction.
