@@ -1,7 +1,6 @@
 #include "ProgressBar.h"
 
 #include <sys/ioctl.h>
-#include <unistd.h>
 
 #include <algorithm>
 
@@ -15,18 +14,17 @@ constexpr int shortestBar = 5;
 constexpr int longestBar = 50;
 constexpr char16_t firstWideCharacter = 0x1100; // Unicode, annex 11: of the characters in use here, all from there on
 
-int terminalColumns() {
+int columnsOfTerminal(int terminal) {
     struct winsize size {};
 
-    const bool isKnown = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    const bool isKnown = ::ioctl(terminal, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
     return isKnown ? size.ws_col : columnsIfUnknown;
 }
 
-void writeToTerminal(const QString& text) {
+void write(int terminal, const QString& text) {
     const QByteArray bytes = text.toUtf8();
     // A terminal that is gone is no reason to end the work.
-    [[maybe_unused]] const auto written =
-        ::write(STDERR_FILENO, bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    [[maybe_unused]] const auto written = ::write(terminal, bytes.constData(), static_cast<std::size_t>(bytes.size()));
 }
 
 } // namespace
@@ -54,28 +52,32 @@ QString progressLine(const QString& label, double fraction, int columns) {
     return columnsOf(percent) <= room ? percent : QString();
 }
 
-ProgressBar::ProgressBar() : isShown_(::isatty(STDERR_FILENO) == 1), lastDrawn_(std::chrono::steady_clock::now()) {}
+ProgressBar::ProgressBar(int terminal, Clock clock)
+    : terminal_(terminal),
+      clock_(std::move(clock)),
+      isShown_(::isatty(terminal) == 1),
+      lastDrawn_(clock_()) {}
 
 ProgressBar::~ProgressBar() {
     erase();
 }
 
 void ProgressBar::show(const QString& label, double fraction) {
-    const auto now = std::chrono::steady_clock::now();
+    const auto now = clock_();
     if (!isShown_ || now - lastDrawn_ < redrawInterval) {
         return;
     }
     lastDrawn_ = now;
-    const QString line = progressLine(label, fraction, terminalColumns());
+    const QString line = progressLine(label, fraction, columnsOfTerminal(terminal_));
     const int columns = columnsOf(line);
     // What a longer line before has left is covered by blanks.
-    writeToTerminal(u'\r' + line + QString(std::max(drawnColumns_ - columns, 0), u' '));
+    write(terminal_, u'\r' + line + QString(std::max(drawnColumns_ - columns, 0), u' '));
     drawnColumns_ = columns;
 }
 
 void ProgressBar::erase() {
     if (drawnColumns_ > 0) {
-        writeToTerminal(u'\r' + QString(std::min(drawnColumns_, terminalColumns() - 1), u' ') + u'\r');
+        write(terminal_, u'\r' + QString(std::min(drawnColumns_, columnsOfTerminal(terminal_) - 1), u' ') + u'\r');
     }
 }
 

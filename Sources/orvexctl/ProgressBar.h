@@ -2,7 +2,10 @@
 
 #include <QString>
 
+#include <unistd.h>
+
 #include <chrono>
+#include <functional>
 
 namespace orvex {
 
@@ -11,7 +14,10 @@ namespace orvex {
 /// second. One thread.
 class ProgressBar {
 public:
-    ProgressBar();
+    using Clock = std::function<std::chrono::steady_clock::time_point()>;
+
+    /// `terminal` is a descriptor that stays the caller's.
+    explicit ProgressBar(int terminal = STDERR_FILENO, Clock clock = std::chrono::steady_clock::now);
     ~ProgressBar();
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
@@ -22,6 +28,8 @@ public:
 private:
     void erase();
 
+    int terminal_;
+    Clock clock_;
     bool isShown_;
     std::chrono::steady_clock::time_point lastDrawn_;
     int drawnColumns_ = 0;

@@ -5,13 +5,16 @@
 #include "TiffFixture.h"
 
 #include <QElapsedTimer>
+#include <QRegularExpression>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include <cstdlib>
+#include <chrono>
+#include <optional>
+#include <stdexcept>
 
 namespace orvex {
 namespace {
@@ -79,6 +82,55 @@ private:
     int far_ = -1;
 };
 
+class DrawnProgress : public ::testing::Test {
+protected:
+    Terminal terminal_;
+    std::chrono::milliseconds time_{0};
+    std::optional<ProgressBar> bar_{std::in_place, terminal_.farEnd(),
+                                    [this] { return std::chrono::steady_clock::time_point(time_); }};
+};
+
+TEST_F(DrawnProgress, isKeptBackForATenthOfASecond) {
+    time_ = std::chrono::milliseconds(99);
+    bar_->show(QStringLiteral("Reading 1/2"), 0.25);
+    EXPECT_EQ(terminal_.read(), QByteArray());
+    time_ = std::chrono::milliseconds(100);
+    bar_->show(QStringLiteral("Reading 1/2"), 0.5);
+    EXPECT_EQ(terminal_.read(), "\rReading 1/2 [##########----------]  50%");
+}
+
+TEST_F(DrawnProgress, isRedrawnTenTimesASecond) {
+    int count = 0;
+    for (; time_ < std::chrono::seconds(1); ++time_) {
+        bar_->show(QStringLiteral("Reading 1/2"), 0.5);
+        count += terminal_.read().isEmpty() ? 0 : 1;
+    }
+    EXPECT_EQ(count, 9);
+}
+
+TEST_F(DrawnProgress, coversALongerLine) {
+    time_ = std::chrono::milliseconds(100);
+    bar_->show(QStringLiteral("Reading 1/2"), 0.5);
+    time_ = std::chrono::milliseconds(200);
+    (void)terminal_.read();
+    bar_->show(QString(36, u'x'), 0.5);
+    EXPECT_EQ(terminal_.read(), "\r 50%" + QByteArray(35, ' '));
+}
+
+TEST_F(DrawnProgress, isErasedAtTheEnd) {
+    time_ = std::chrono::milliseconds(100);
+    bar_->show(QStringLiteral("Reading 1/2"), 0.5);
+    (void)terminal_.read();
+    bar_.reset();
+    EXPECT_EQ(terminal_.read(), "\r" + QByteArray(39, ' ') + "\r");
+}
+
+TEST_F(DrawnProgress, leavesNothingOfShortWork) {
+    bar_->show(QStringLiteral("Reading 1/2"), 0.5);
+    bar_.reset();
+    EXPECT_EQ(terminal_.read(), QByteArray());
+}
+
 /// Pixels that take more than a moment to compress.
 QByteArray largeTiff() {
     test::TiffFixture tiff{.width = 6000, .height = 5000};
@@ -138,10 +190,11 @@ TEST_F(ShownProgress, speaksChinese) {
 
 TEST_F(ShownProgress, makesWayForAMessage) {
     const QString image = folder_.write(QStringLiteral("a.tif"), largeTiff());
-    const QStringList lines =
-        errorsOfRoll({image, folder_.path(QStringLiteral("b.tif"))}, QStringLiteral("en")).split(u'\r');
+    QStringList images(20, image); // one is read in no time
+    images.append(folder_.path(QStringLiteral("b.tif")));
+    const QStringList lines = errorsOfRoll(images, QStringLiteral("en")).split(u'\r');
     ASSERT_GE(lines.size(), 5);
-    EXPECT_TRUE(lines[1].startsWith(QStringLiteral("Reading 1/2 [")));
+    EXPECT_TRUE(lines[1].contains(QRegularExpression(QStringLiteral("^Reading \\d+/21 \\["))));
     EXPECT_EQ(lines[lines.size() - 3], QString(39, u' '));
     EXPECT_TRUE(lines[lines.size() - 2].startsWith(QStringLiteral("b.tif"))) << lines.join(u'\n').toStdString();
     EXPECT_EQ(lines.last(), QStringLiteral("\n"));
