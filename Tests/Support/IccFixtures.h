@@ -51,11 +51,13 @@ inline void describe(const Profile& profile, const std::vector<Translation>& tra
     cmsMLUfree(text);
 }
 
+inline constexpr cmsCIExyYTRIPLE adobePrimaries{{0.64, 0.33, 1.0}, {0.21, 0.71, 1.0}, {0.15, 0.06, 1.0}};
+inline constexpr cmsCIExyYTRIPLE rommPrimaries{{0.7347, 0.2653, 1.0}, {0.1596, 0.8404, 1.0}, {0.0366, 0.0001, 1.0}};
+
 /// An RGB profile of three primaries and one gamma curve; `gamma` tells several apart.
 inline Profile rgb(double gamma, cmsProfileClassSignature profileClass = cmsSigDisplayClass,
-                   const std::wstring& description = L"Test RGB") {
+                   const std::wstring& description = L"Test RGB", const cmsCIExyYTRIPLE& primaries = adobePrimaries) {
     const cmsCIExyY white{0.3127, 0.3290, 1.0};
-    const cmsCIExyYTRIPLE primaries{{0.64, 0.33, 1.0}, {0.21, 0.71, 1.0}, {0.15, 0.06, 1.0}};
     cmsToneCurve* curve = cmsBuildGamma(nullptr, gamma);
     const std::array<cmsToneCurve*, 3> curves{curve, curve, curve};
     Profile profile(cmsCreateRGBProfile(&white, &primaries, curves.data()));

@@ -63,16 +63,19 @@ public:
     void prefetch(quint32 color) const { colors_.prefetch(indexOf(color)); }
 
     [[nodiscard]] std::optional<quint32> find(quint32 color) const {
-        const std::size_t index = indexOf(color);
-        return colors_.isKnown(index) ? std::optional(colors_.at(index)) : std::nullopt;
+        const quint32 entry = colors_.at(indexOf(color));
+        return entry != 0 ? std::optional(entry ^ mask) : std::nullopt;
     }
 
-    void learn(quint32 color, quint32 value) { colors_.learn(indexOf(color), value); }
+    void learn(quint32 color, quint32 value) { colors_.learn(indexOf(color), value ^ mask); }
 
 private:
+    /// The value that stands as zero, and so never becomes known: an ink mixture that hardly any picture has.
+    static constexpr quint32 mask = 0x01FE01FE;
+
     static std::size_t indexOf(quint32 color) { return colorIndex(color & 0xFFU, color >> 8U & 0xFFU, color >> 16U); }
 
-    KnownColors<quint32> colors_{colorIndexCount};
+    KnownColors<quint32> colors_{colorIndexCount, TablePages::large};
 };
 
 /// The last colours of four samples of 8 bits, of which there are too many to keep.
@@ -238,8 +241,12 @@ std::unique_ptr<ColorConverter> ColorConverter::make(const ConversionFormat& for
                                                 : makeForBytes<RecentColorsConverter>(format, std::move(exact));
     }
     if (!isToGray && format.source == ColorModel::rgb) {
-        return makeLatticeConverter(format.destination, std::move(exact));
+        return makeLatticeConverter(format.destination, exact);
     }
+    return makeExactConverter(std::move(exact));
+}
+
+std::unique_ptr<ColorConverter> makeExactConverter(ExactConversion exact) {
     return std::make_unique<ExactConverter>(std::move(exact));
 }
 

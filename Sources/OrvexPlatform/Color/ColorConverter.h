@@ -53,4 +53,7 @@ public:
     virtual void convert(std::span<const std::byte> source, std::span<std::byte> destination) const = 0;
 };
 
+/// Leaves every pixel to the exact conversion.
+[[nodiscard]] std::unique_ptr<ColorConverter> makeExactConverter(ExactConversion exact);
+
 } // namespace orvex::platform

@@ -2,6 +2,8 @@
 
 #include <QtGlobal>
 
+#include <sys/mman.h>
+
 #include <atomic>
 #include <cstddef>
 #include <cstdlib>
@@ -10,53 +12,50 @@
 
 namespace orvex::platform {
 
+/// The pages of memory that a table consists of. Where neighbouring pixels need places all over a large table, a third
+/// of the time goes into finding small pages; where few places are needed, large pages are mostly waste.
+enum class TablePages { small, large };
+
+/// Asks for large pages where memory has not been used yet. A system that has none does without.
+inline void useLargePages(void* memory, std::size_t bytes) {
+    constexpr std::size_t pageBytes = std::size_t{1} << 21U;
+    if (std::align(pageBytes, pageBytes, memory, bytes) != nullptr) {
+        ::madvise(memory, bytes, MADV_HUGEPAGE);
+    }
+}
+
 /// A large table of values that become known one by one, each of which may be computed by several threads to the same
-/// end. Memory is taken where values are known, in pages of the system. Any thread, and several at once.
+/// end. What is not known is zero, in memory that the system gives when it is first needed. Any thread, and several at
+/// once.
 template <typename Value>
 class KnownColors {
 public:
-    explicit KnownColors(std::size_t count) : values_(zeroed<Value>(count)), known_(zeroed<quint64>(count / 64)) {}
-
-    [[nodiscard]] bool isKnown(std::size_t index) const {
-        return (std::atomic_ref(known_[index / 64]).load(std::memory_order_acquire) >> (index % 64) & 1U) != 0;
+    KnownColors(std::size_t count, TablePages pages) : values_(static_cast<Value*>(std::calloc(count, sizeof(Value)))) {
+        if (!values_) {
+            throw std::bad_alloc();
+        }
+        if (pages == TablePages::large) {
+            useLargePages(values_.get(), count * sizeof(Value));
+        }
     }
 
-    /// Has what is known of a value brought near the processor: a table of colours is larger than its caches.
-    void prefetch(std::size_t index) const {
-        __builtin_prefetch(&known_[index / 64]);
-        __builtin_prefetch(&values_[index]);
-    }
+    /// Has a value brought near the processor: a table of colours is larger than its caches.
+    void prefetch(std::size_t index) const { __builtin_prefetch(&values_[index]); }
 
-    /// A value that is known to the calling thread.
     [[nodiscard]] Value at(std::size_t index) const {
-        return std::atomic_ref(values_[index]).load(std::memory_order_relaxed);
+        return std::atomic_ref(values_[index]).load(std::memory_order_acquire);
     }
 
     void learn(std::size_t index, Value value) {
-        std::atomic_ref(values_[index]).store(value, std::memory_order_relaxed);
-        std::atomic_ref(known_[index / 64]).fetch_or(quint64{1} << (index % 64), std::memory_order_release);
+        std::atomic_ref(values_[index]).store(value, std::memory_order_release);
     }
 
 private:
     struct Free {
-        void operator()(void* memory) const { std::free(memory); }
+        void operator()(Value* memory) const { std::free(memory); }
     };
 
-    template <typename T>
-    using Array = std::unique_ptr<T[], Free>;
-
-    /// Zeros of the system, which become memory when they are written.
-    template <typename T>
-    static Array<T> zeroed(std::size_t count) {
-        auto* memory = static_cast<T*>(std::calloc(count, sizeof(T)));
-        if (memory == nullptr) {
-            throw std::bad_alloc();
-        }
-        return Array<T>(memory);
-    }
-
-    Array<Value> values_;
-    Array<quint64> known_; // a bit for each value
+    std::unique_ptr<Value[], Free> values_;
 };
 
 /// The place of three samples of 8 bits in a table of all such colours. Colours that are alike lie close together.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <vector>
@@ -12,156 +13,219 @@ namespace orvex::platform {
 
 namespace {
 
-// The nodes lie at the multiples of 257, so the first and the last sample are nodes: 65535 is 255 times 257.
-constexpr quint32 spacing = 257;
-constexpr quint32 lastNode = 255;
+// The compiler makes a second copy of such a function for processors with AVX2, and the loader takes the right one.
+#if defined(__x86_64__)
+#define ORVEX_VECTOR_CLONES [[gnu::target_clones("avx2", "default")]]
+#else
+#define ORVEX_VECTOR_CLONES
+#endif
 
-/// A colour at or between the nodes of the lattice, as numbers of nodes.
-using Node = std::array<quint32, 3>;
+// What those functions consist of has to be part of either copy.
+#define ORVEX_INLINE [[gnu::always_inline]] inline
 
-/// The up to four samples of a converted pixel, 16 bits each.
-using PackedPixel = quint64;
-
-std::size_t indexOf(const Node& node) {
-    return colorIndex(node[0], node[1], node[2]);
-}
+constexpr quint32 range = 65535;
 
 using Pixel16 = std::array<quint16, 3>;
 
-Node lowestNode(const Pixel16& pixel) {
-    return {pixel[0] / spacing, pixel[1] / spacing, pixel[2] / spacing};
-}
-
-/// What each axis adds to the place of a node in a table, for all nodes and one behind the last, where nothing lies but
-/// the last again.
-using AxisPlaces = std::array<std::array<quint32, lastNode + 2>, 3>;
-
-constexpr AxisPlaces makeAxisPlaces() {
-    AxisPlaces places{};
-    for (quint32 number = 0; number < places[0].size(); ++number) {
-        const quint32 node = std::min(number, lastNode);
-        places[0][number] = static_cast<quint32>(colorIndex(node, 0, 0));
-        places[1][number] = static_cast<quint32>(colorIndex(0, node, 0));
-        places[2][number] = static_cast<quint32>(colorIndex(0, 0, node));
-    }
-    return places;
-}
-
-constexpr AxisPlaces axisPlaces = makeAxisPlaces();
-
-/// The places of four nodes in a table and their weights, which add up to `spacing`.
-struct Tetrahedron {
-    std::array<quint32, 4> places;
-    std::array<quint32, 4> weights;
-};
-
-/// Where a colour lies between two nodes of an axis.
-struct AxisPosition {
-    quint32 low;
-    quint32 high;
-    quint32 rest;
-};
-
-AxisPosition positionOf(quint16 sample, std::size_t axis) {
-    const quint32 node = sample / spacing;
-    return {axisPlaces[axis][node], axisPlaces[axis][node + 1], sample % spacing};
-}
-
-/// The tetrahedron that a colour lies in: from the lowest corner of the cell to the opposite one, first along the axis
-/// on which the colour is farthest.
-Tetrahedron tetrahedronOf(const Pixel16& pixel) {
-    AxisPosition a = positionOf(pixel[0], 0);
-    AxisPosition b = positionOf(pixel[1], 1);
-    AxisPosition c = positionOf(pixel[2], 2);
-    const auto sort = [](AxisPosition& first, AxisPosition& second) {
-        if (first.rest < second.rest) {
-            std::swap(first, second);
-        }
-    };
-    sort(a, b);
-    sort(b, c);
-    sort(a, b);
-    return {
-        .places = {a.low | b.low | c.low, a.high | b.low | c.low, a.high | b.high | c.low, a.high | b.high | c.high},
-        .weights = {spacing - a.rest, a.rest - b.rest, b.rest - c.rest, c.rest}};
-}
-
-/// The weighted mean of four pixels, each sample rounded to the nearest.
-PackedPixel weightedMean(const std::array<PackedPixel, 4>& pixels, const std::array<quint32, 4>& weights) {
-    // Two samples at a time, each in 32 bits of its own, which hold 257 times a sample.
-    constexpr quint64 lanes = 0x0000'FFFF'0000'FFFFU;
-    constexpr quint64 halves = quint64{spacing / 2} << 32U | spacing / 2;
-    quint64 even = halves;
-    quint64 odd = halves;
-    for (std::size_t i = 0; i < pixels.size(); ++i) {
-        even += (pixels[i] & lanes) * weights[i];
-        odd += (pixels[i] >> 16U & lanes) * weights[i];
-    }
-    const auto divided = [](quint64 sums) { return (sums >> 32U) / spacing << 32U | (sums & 0xFFFF'FFFFU) / spacing; };
-    return divided(even) | divided(odd) << 16U;
-}
-
-/// The middle of the cell that begins at a node.
-Pixel16 middleOf(const Node& cell) {
-    constexpr quint32 range = 65535;
-    Pixel16 middle{};
-    for (std::size_t axis = 0; axis < middle.size(); ++axis) {
-        middle[axis] = static_cast<quint16>(std::min(cell[axis] * spacing + spacing / 2, range));
-    }
-    return middle;
-}
-
-Pixel16 pixelAt(const Node& node) {
-    return {static_cast<quint16>(node[0] * spacing), static_cast<quint16>(node[1] * spacing),
-            static_cast<quint16>(node[2] * spacing)};
-}
+/// The up to four samples of a converted pixel, 16 bits each.
+using PackedPixel = quint64;
 
 int sampleOf(PackedPixel pixel, unsigned number) {
     return static_cast<int>(pixel >> (16 * number) & 0xFFFFU);
 }
 
-/// Whether each sample of an interpolated pixel is as close to the exact one as the middle of a cell must be.
-bool isClose(PackedPixel interpolated, PackedPixel exact, unsigned samples) {
-    for (unsigned number = 0; number < samples; ++number) {
-        if (std::abs(sampleOf(interpolated, number) - sampleOf(exact, number)) > LatticeLimits::largestMiddleError) {
-            return false;
-        }
+/// The number of a node along each axis; also the cell that begins there.
+using Node = std::array<quint32, 3>;
+
+/// A place in a cell, in quarters of the cell along each axis.
+using Quarters = std::array<quint32, 3>;
+
+constexpr Quarters middleOfCell{2, 2, 2};
+
+/// Halfway from the middle of a cell to its corners.
+constexpr std::array<Quarters, 8> waysToCorners{
+    {{1, 1, 1}, {1, 1, 3}, {1, 3, 1}, {1, 3, 3}, {3, 1, 1}, {3, 1, 3}, {3, 3, 1}, {3, 3, 3}}};
+
+/// The weights of the four nodes around a colour add up to this.
+constexpr quint32 wholeWeight = 1U << 15U;
+
+/// The weighted mean of four pixels, each sample rounded to the nearest.
+ORVEX_INLINE PackedPixel weightedMean(const std::array<PackedPixel, 4>& pixels, const std::array<quint32, 4>& weights) {
+    using Samples = quint16 __attribute__((vector_size(8)));
+    using Sums = quint32 __attribute__((vector_size(16)));
+    Sums sums = Sums{} + wholeWeight / 2;
+    for (std::size_t i = 0; i < pixels.size(); ++i) {
+        sums += __builtin_convertvector(std::bit_cast<Samples>(pixels[i]), Sums) * weights[i];
     }
-    return true;
+    return std::bit_cast<PackedPixel>(__builtin_convertvector(sums / wholeWeight, Samples));
 }
 
-/// Whether a sample lies at an end of its range at one corner of a cell, and well within it at another.
-bool isCutOff(const std::array<PackedPixel, 8>& corners, unsigned samples) {
-    constexpr int range = 65535;
+constexpr std::size_t blockPixels = 256;
+
+/// A number for each pixel of a block.
+using BlockNumbers = std::array<quint32, blockPixels>;
+
+/// For each pixel of a block the tetrahedron of nodes that its colour lies in: their places in a table and their
+/// weights. The first node is the one that the pixel's cell begins at.
+struct Tetrahedra {
+    std::array<BlockNumbers, 4> places;
+    std::array<BlockNumbers, 4> weights;
+};
+
+/// The nodes of a lattice, `cellCount` cells along each axis, and where they stand in a table.
+template <quint32 cellCount>
+struct Lattice {
+    static_assert(range % cellCount == 0, "the ends of the range are nodes, and nodes are samples");
+
+    static constexpr quint32 spacing = range / cellCount;
+
+    // One more than there are nodes: a colour on the last node has one behind it, of no weight.
+    static constexpr quint32 axisLength = cellCount + 2;
+    static constexpr std::array<quint32, 3> strides{axisLength * axisLength, axisLength, 1};
+    static constexpr std::size_t placeCount = std::size_t{axisLength} * axisLength * axisLength;
+
+    static constexpr unsigned strideBits = 17;
+    static_assert(strides[0] < 1U << strideBits);
+
+    static quint32 placeOf(const Node& node) {
+        return node[0] * strides[0] + node[1] * strides[1] + node[2] * strides[2];
+    }
+
+    static Node cellOf(const Pixel16& pixel) { return {pixel[0] / spacing, pixel[1] / spacing, pixel[2] / spacing}; }
+
+    static Pixel16 pixelAt(const Node& node) {
+        return {static_cast<quint16>(node[0] * spacing), static_cast<quint16>(node[1] * spacing),
+                static_cast<quint16>(node[2] * spacing)};
+    }
+
+    static Pixel16 pixelIn(const Node& cell, const Quarters& place) {
+        Pixel16 pixel{};
+        for (std::size_t axis = 0; axis < pixel.size(); ++axis) {
+            pixel[axis] = static_cast<quint16>(std::min(cell[axis] * spacing + place[axis] * spacing / 4, range));
+        }
+        return pixel;
+    }
+
+    static std::array<Node, 8> cornersOf(const Node& cell) {
+        std::array<Node, 8> corners;
+        for (quint32 number = 0; number < corners.size(); ++number) {
+            corners[number] = {std::min(cell[0] + (number & 1U), cellCount),
+                               std::min(cell[1] + (number >> 1U & 1U), cellCount),
+                               std::min(cell[2] + (number >> 2U), cellCount)};
+        }
+        return corners;
+    }
+
+    /// Finds each pixel's tetrahedron: from the lowest corner of the cell to the opposite one, first along the axis on
+    /// which the colour is farthest.
+    ORVEX_VECTOR_CLONES static void locate(std::span<const Pixel16> pixels, Tetrahedra& tetrahedra) {
+        std::array<BlockNumbers, 3> axes;
+        for (std::size_t i = 0; i < pixels.size(); ++i) {
+            axes[0][i] = pixels[i][0];
+            axes[1][i] = pixels[i][1];
+            axes[2][i] = pixels[i][2];
+        }
+        auto& [lowest, second, third, fourth] = tetrahedra.places;
+        for (std::size_t i = 0; i < pixels.size(); ++i) {
+            // The part of the cell that lies before the colour, above the way to the next node: numbers to be sorted.
+            quint32 place = 0;
+            const auto stepOn = [&place](quint32 sample, quint32 stride) {
+                const quint32 scaled = sample * cellCount;
+                const quint32 node = (scaled + 1 + (scaled >> 16U)) >> 16U; // scaled / range
+                place += node * stride;
+                return (scaled - node * range + 1) / 2 << strideBits | stride; // of wholeWeight
+            };
+            const quint32 a = stepOn(axes[0][i], strides[0]);
+            const quint32 b = stepOn(axes[1][i], strides[1]);
+            const quint32 c = stepOn(axes[2][i], strides[2]);
+            const quint32 greatest = std::max(std::max(a, b), c);
+            const quint32 least = std::min(std::min(a, b), c);
+            const quint32 middle = a ^ b ^ c ^ greatest ^ least;
+            const auto strideOf = [](quint32 step) { return step & ((1U << strideBits) - 1); };
+            lowest[i] = place;
+            second[i] = place + strideOf(greatest);
+            third[i] = place + strideOf(greatest) + strideOf(middle);
+            fourth[i] = place + strides[0] + strides[1] + strides[2];
+            tetrahedra.weights[0][i] = wholeWeight - (greatest >> strideBits);
+            tetrahedra.weights[1][i] = (greatest >> strideBits) - (middle >> strideBits);
+            tetrahedra.weights[2][i] = (middle >> strideBits) - (least >> strideBits);
+            tetrahedra.weights[3][i] = least >> strideBits;
+        }
+    }
+};
+
+/// How far two pixels are apart in the sample in which they differ most.
+int largestDifference(PackedPixel first, PackedPixel second, unsigned samples) {
+    int largest = 0;
     for (unsigned number = 0; number < samples; ++number) {
-        int least = range;
+        largest = std::max(largest, std::abs(sampleOf(first, number) - sampleOf(second, number)));
+    }
+    return largest;
+}
+
+/// What the corners of a cell tell of the colours within.
+enum class Outlook {
+    even,
+    doubtful, ///< a sample is nearer to an end of its range than it changes: curves are steepest there, or cut off
+    bent,     ///< a sample changes much, or lies at an end of its range at one corner and well within it at another
+};
+
+Outlook outlookOf(const std::array<PackedPixel, 8>& corners, unsigned samples, quint32 spacing) {
+    constexpr int highest = range;
+    const int largestChange = static_cast<int>(spacing) * LatticeLimits::largestChangePerStep;
+    Outlook outlook = Outlook::even;
+    for (unsigned number = 0; number < samples; ++number) {
+        int least = highest;
         int greatest = 0;
         for (const PackedPixel corner : corners) {
             least = std::min(least, sampleOf(corner, number));
             greatest = std::max(greatest, sampleOf(corner, number));
         }
-        if ((least == 0 && greatest > LatticeLimits::largestCutOff) ||
-            (greatest == range && range - least > LatticeLimits::largestCutOff)) {
-            return true;
+        const int change = greatest - least;
+        const int distanceToEnd = std::min(least, highest - greatest);
+        if (change > (distanceToEnd == 0 ? LatticeLimits::largestCutOff : largestChange)) {
+            return Outlook::bent;
+        }
+        if (distanceToEnd < change) {
+            outlook = Outlook::doubtful;
         }
     }
-    return false;
+    return outlook;
 }
 
-std::array<Node, 8> cornersOf(const Node& cell) {
-    std::array<Node, 8> corners;
-    for (quint32 number = 0; number < corners.size(); ++number) {
-        corners[number] = {std::min(cell[0] + (number & 1U), lastNode),
-                           std::min(cell[1] + (number >> 1U & 1U), lastNode),
-                           std::min(cell[2] + (number >> 2U), lastNode)};
+/// Exact colours of pixels, packed.
+class ExactColors {
+public:
+    ExactColors(ExactConversion exact, std::size_t destinationBytes)
+        : exact_(std::move(exact)),
+          destinationBytes_(destinationBytes) {}
+
+    [[nodiscard]] std::vector<PackedPixel> operator()(const std::vector<Pixel16>& pixels) const {
+        std::vector<std::byte> converted(pixels.size() * destinationBytes_);
+        exact_(std::as_bytes(std::span(pixels)), converted);
+        std::vector<PackedPixel> colors(pixels.size());
+        for (std::size_t i = 0; i < colors.size(); ++i) {
+            std::memcpy(&colors[i], &converted[i * destinationBytes_], destinationBytes_);
+        }
+        return colors;
     }
-    return corners;
-}
 
-template <std::size_t DestinationBytes>
+private:
+    ExactConversion exact_;
+    std::size_t destinationBytes_;
+};
+
+/// Interpolates in one lattice, whose nodes become known as pixels need them, and leaves the pixels of bent cells to
+/// another converter.
+template <quint32 cellCount, std::size_t DestinationBytes>
 class LatticeConverter : public ColorConverter {
 public:
-    explicit LatticeConverter(ExactConversion exact) : exact_(std::move(exact)) {}
+    /// A table whose places are needed here and there is better made of small pages.
+    LatticeConverter(const ExactConversion& exact, TablePages pages, std::unique_ptr<ColorConverter> forBentCells)
+        : exactColors_(exact, DestinationBytes),
+          forBentCells_(std::move(forBentCells)),
+          nodes_(Nodes::placeCount, pages),
+          cells_(Nodes::placeCount, pages) {}
 
     void convert(std::span<const std::byte> source, std::span<std::byte> destination) const override {
         std::array<Pixel16, blockPixels> pixels;
@@ -169,102 +233,154 @@ public:
         for (std::size_t first = 0; first < count; first += blockPixels) {
             const auto block = std::span(pixels).first(std::min(blockPixels, count - first));
             std::memcpy(block.data(), &source[first * sizeof(Pixel16)], block.size_bytes());
-            learnCells(block);
-            convertBlock(block, &destination[first * DestinationBytes]);
+            convertBlock(block, destination.subspan(first * DestinationBytes, block.size() * DestinationBytes));
         }
     }
 
 private:
-    static constexpr std::size_t blockPixels = 256;
+    using Nodes = Lattice<cellCount>;
+
     static constexpr unsigned samples = DestinationBytes / sizeof(quint16);
 
-    enum Cell : quint8 { smooth, bent };
+    enum Cell : quint8 { unknown, smooth, bent };
 
-    void convertBlock(std::span<const Pixel16> pixels, std::byte* destination) const {
-        std::array<Tetrahedron, blockPixels> tetrahedra;
-        for (std::size_t i = 0; i < pixels.size(); ++i) {
-            tetrahedra[i] = tetrahedronOf(pixels[i]);
-            std::ranges::for_each(tetrahedra[i].places, [this](quint32 place) { nodes_.prefetch(place); });
+    void convertBlock(std::span<const Pixel16> pixels, std::span<std::byte> destination) const {
+        Tetrahedra tetrahedra;
+        Nodes::locate(pixels, tetrahedra);
+        const auto isAny = [&](Cell state) {
+            const auto& places = tetrahedra.places[0];
+            return std::any_of(places.begin(), places.begin() + std::ssize(pixels),
+                               [&](quint32 place) { return cells_.at(place) == state; });
+        };
+        if (isAny(unknown)) {
+            learnCells(pixels);
         }
-        std::vector<std::size_t> bentNumbers;
+        interpolate(tetrahedra, destination);
+        if (isAny(bent)) {
+            convertBent(pixels, tetrahedra, destination);
+        }
+    }
+
+    ORVEX_VECTOR_CLONES void interpolate(const Tetrahedra& tetrahedra, std::span<std::byte> destination) const {
+        for (std::size_t i = 0; i < destination.size() / DestinationBytes; ++i) {
+            const PackedPixel mean = interpolated(tetrahedra, i);
+            std::memcpy(&destination[i * DestinationBytes], &mean, DestinationBytes);
+        }
+    }
+
+    [[nodiscard]] ORVEX_INLINE PackedPixel interpolated(const Tetrahedra& tetrahedra, std::size_t number) const {
+        std::array<PackedPixel, 4> colors;
+        std::array<quint32, 4> weights;
+        for (std::size_t i = 0; i < colors.size(); ++i) {
+            colors[i] = nodes_.at(tetrahedra.places[i][number]);
+            weights[i] = tetrahedra.weights[i][number];
+        }
+        return weightedMean(colors, weights);
+    }
+
+    /// Converts the pixels of bent cells once more.
+    void convertBent(std::span<const Pixel16> pixels, const Tetrahedra& tetrahedra,
+                     std::span<std::byte> destination) const {
+        std::vector<std::size_t> numbers;
+        std::vector<Pixel16> chosen;
         for (std::size_t i = 0; i < pixels.size(); ++i) {
-            const PackedPixel mean = interpolated(tetrahedra[i]);
-            std::memcpy(destination + i * DestinationBytes, &mean, DestinationBytes);
-            if (cells_.at(tetrahedra[i].places[0]) == bent) {
-                bentNumbers.push_back(i);
+            if (cells_.at(tetrahedra.places[0][i]) == bent) {
+                numbers.push_back(i);
+                chosen.push_back(pixels[i]);
             }
         }
-        convertExactly(pixels, bentNumbers, destination);
-    }
-
-    /// Converts the pixels of these numbers once more.
-    void convertExactly(std::span<const Pixel16> pixels, const std::vector<std::size_t>& numbers,
-                        std::byte* destination) const {
-        std::vector<Pixel16> chosen;
-        std::ranges::transform(numbers, std::back_inserter(chosen), [&](std::size_t number) { return pixels[number]; });
-        const std::vector<PackedPixel> colors = exactColors(chosen);
+        std::vector<std::byte> converted(chosen.size() * DestinationBytes);
+        forBentCells_->convert(std::as_bytes(std::span(chosen)), converted);
         for (std::size_t i = 0; i < numbers.size(); ++i) {
-            std::memcpy(destination + numbers[i] * DestinationBytes, &colors[i], DestinationBytes);
+            std::memcpy(&destination[numbers[i] * DestinationBytes], &converted[i * DestinationBytes],
+                        DestinationBytes);
         }
-    }
-
-    [[nodiscard]] std::vector<PackedPixel> exactColors(const std::vector<Pixel16>& pixels) const {
-        std::vector<std::byte> converted(pixels.size() * DestinationBytes);
-        exact_(std::as_bytes(std::span(pixels)), converted);
-        std::vector<PackedPixel> colors(pixels.size());
-        for (std::size_t i = 0; i < colors.size(); ++i) {
-            std::memcpy(&colors[i], &converted[i * DestinationBytes], DestinationBytes);
-        }
-        return colors;
-    }
-
-    [[nodiscard]] PackedPixel interpolated(const Tetrahedron& tetrahedron) const {
-        std::array<PackedPixel, 4> colors;
-        for (std::size_t i = 0; i < colors.size(); ++i) {
-            colors[i] = nodes_.at(tetrahedron.places[i]);
-        }
-        return weightedMean(colors, tetrahedron.weights);
     }
 
     /// Sees to it that the pixels' cells are known, and before them all their corners.
     void learnCells(std::span<const Pixel16> pixels) const {
-        for (const Pixel16& pixel : pixels) {
-            cells_.prefetch(indexOf(lowestNode(pixel)));
-        }
         std::vector<Node> cells;
         for (const Pixel16& pixel : pixels) {
-            const Node cell = lowestNode(pixel);
-            if (!cells_.isKnown(indexOf(cell))) {
+            const Node cell = Nodes::cellOf(pixel);
+            if (cells_.at(Nodes::placeOf(cell)) == unknown) {
                 cells.push_back(cell);
             }
         }
-        if (cells.empty()) {
-            return;
-        }
         cells = distinct(std::move(cells));
         learnCorners(cells);
-        std::vector<Pixel16> middles;
-        std::transform(cells.begin(), cells.end(), std::back_inserter(middles), middleOf);
-        const std::vector<PackedPixel> colors = exactColors(middles);
+        judge(std::move(cells));
+    }
+
+    /// Finds out which cells are bent: by their corners, then by their middles, and where these leave a doubt, by the
+    /// ways from there to the corners.
+    void judge(std::vector<Node> cells) const {
+        std::erase_if(cells,
+                      [this](const Node& cell) { return settledIf(outlook(cell) == Outlook::bent, cell, bent); });
+        const std::vector<int> middles = largestErrors(cells, std::span(&middleOfCell, 1));
+        std::vector<Node> doubtful;
         for (std::size_t i = 0; i < cells.size(); ++i) {
-            const bool isSmooth = isClose(interpolated(tetrahedronOf(middles[i])), colors[i], samples) &&
-                                  !isCutOff(colorsAtCorners(cells[i]), samples);
-            cells_.learn(indexOf(cells[i]), isSmooth ? smooth : bent);
+            const bool isStraight =
+                middles[i] <= LatticeLimits::largestStraightError && outlook(cells[i]) == Outlook::even;
+            if (!settledIf(isStraight, cells[i], smooth) &&
+                !settledIf(middles[i] > LatticeLimits::largestCheckedError, cells[i], bent)) {
+                doubtful.push_back(cells[i]);
+            }
+        }
+        const std::vector<int> ways = largestErrors(doubtful, waysToCorners);
+        for (std::size_t i = 0; i < doubtful.size(); ++i) {
+            settle(doubtful[i], ways[i] > LatticeLimits::largestCheckedError ? bent : smooth);
         }
     }
 
-    void learnCorners(const std::vector<Node>& cells) const {
-        std::vector<Node> unknown;
-        for (const Node& cell : cells) {
-            std::ranges::copy_if(cornersOf(cell), std::back_inserter(unknown),
-                                 [this](const Node& corner) { return !nodes_.isKnown(indexOf(corner)); });
+    void settle(const Node& cell, Cell state) const { cells_.learn(Nodes::placeOf(cell), state); }
+
+    /// The condition itself.
+    bool settledIf(bool condition, const Node& cell, Cell state) const {
+        if (condition) {
+            settle(cell, state);
         }
-        unknown = distinct(std::move(unknown));
+        return condition;
+    }
+
+    [[nodiscard]] Outlook outlook(const Node& cell) const {
+        std::array<PackedPixel, 8> colors;
+        std::ranges::transform(Nodes::cornersOf(cell), colors.begin(),
+                               [this](const Node& corner) { return nodes_.at(Nodes::placeOf(corner)); });
+        return outlookOf(colors, samples, Nodes::spacing);
+    }
+
+    /// How far interpolation is from the exact colours in each cell: the most at any of these places and in any sample.
+    [[nodiscard]] std::vector<int> largestErrors(const std::vector<Node>& cells,
+                                                 std::span<const Quarters> places) const {
         std::vector<Pixel16> pixels;
-        std::transform(unknown.begin(), unknown.end(), std::back_inserter(pixels), pixelAt);
-        const std::vector<PackedPixel> colors = exactColors(pixels);
-        for (std::size_t i = 0; i < unknown.size(); ++i) {
-            nodes_.learn(indexOf(unknown[i]), colors[i]);
+        for (const Node& cell : cells) {
+            std::ranges::transform(places, std::back_inserter(pixels),
+                                   [&](const Quarters& place) { return Nodes::pixelIn(cell, place); });
+        }
+        const std::vector<PackedPixel> exact = exactColors_(pixels);
+        std::vector<int> errors(cells.size());
+        for (std::size_t i = 0; i < pixels.size(); ++i) {
+            Tetrahedra tetrahedron;
+            Nodes::locate(std::span(pixels).subspan(i, 1), tetrahedron);
+            int& error = errors[i / places.size()];
+            error = std::max(error, largestDifference(interpolated(tetrahedron, 0), exact[i], samples));
+        }
+        return errors;
+    }
+
+    void learnCorners(const std::vector<Node>& cells) const {
+        std::vector<Node> unknownNodes;
+        for (const Node& cell : cells) {
+            // A colour that is zero in all samples is taken for unknown, and computed for each cell around it.
+            std::ranges::copy_if(Nodes::cornersOf(cell), std::back_inserter(unknownNodes),
+                                 [this](const Node& corner) { return nodes_.at(Nodes::placeOf(corner)) == 0; });
+        }
+        unknownNodes = distinct(std::move(unknownNodes));
+        std::vector<Pixel16> pixels;
+        std::ranges::transform(unknownNodes, std::back_inserter(pixels), Nodes::pixelAt);
+        const std::vector<PackedPixel> colors = exactColors_(pixels);
+        for (std::size_t i = 0; i < unknownNodes.size(); ++i) {
+            nodes_.learn(Nodes::placeOf(unknownNodes[i]), colors[i]);
         }
     }
 
@@ -274,26 +390,24 @@ private:
         return nodes;
     }
 
-    [[nodiscard]] std::array<PackedPixel, 8> colorsAtCorners(const Node& cell) const {
-        std::array<PackedPixel, 8> colors;
-        std::ranges::transform(cornersOf(cell), colors.begin(),
-                               [this](const Node& corner) { return nodes_.at(indexOf(corner)); });
-        return colors;
-    }
-
-    ExactConversion exact_;
+    ExactColors exactColors_;
+    std::unique_ptr<ColorConverter> forBentCells_;
     // Both grow, but never give another answer.
-    mutable KnownColors<PackedPixel> nodes_{colorIndexCount};
-    mutable KnownColors<quint8> cells_{colorIndexCount};
+    mutable KnownColors<PackedPixel> nodes_;
+    mutable KnownColors<quint8> cells_;
 };
+
+template <std::size_t DestinationBytes>
+std::unique_ptr<ColorConverter> makeLatticesFor(const ExactConversion& exact) {
+    auto narrow =
+        std::make_unique<LatticeConverter<255, DestinationBytes>>(exact, TablePages::small, makeExactConverter(exact));
+    return std::make_unique<LatticeConverter<85, DestinationBytes>>(exact, TablePages::large, std::move(narrow));
+}
 
 } // namespace
 
-std::unique_ptr<ColorConverter> makeLatticeConverter(ColorModel destination, ExactConversion exact) {
-    if (destination == ColorModel::rgb) {
-        return std::make_unique<LatticeConverter<6>>(std::move(exact));
-    }
-    return std::make_unique<LatticeConverter<8>>(std::move(exact));
+std::unique_ptr<ColorConverter> makeLatticeConverter(ColorModel destination, const ExactConversion& exact) {
+    return destination == ColorModel::rgb ? makeLatticesFor<6>(exact) : makeLatticesFor<8>(exact);
 }
 
 } // namespace orvex::platform

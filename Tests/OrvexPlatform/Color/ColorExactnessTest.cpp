@@ -48,6 +48,20 @@ IccProfile ownTableOfEachIntent() {
     return profile(icc::cmyk());
 }
 
+/// All colours there are, of which most are outside of others' gamuts, and the curves of photographs' archives or none.
+IccProfile romm() {
+    return profile(icc::rgb(1.8, cmsSigDisplayClass, L"ROMM", icc::rommPrimaries));
+}
+
+IccProfile linearRomm() {
+    return profile(icc::rgb(1.0, cmsSigDisplayClass, L"Linear ROMM", icc::rommPrimaries));
+}
+
+/// A curve that is steepest of all near black.
+IccProfile steepRgb() {
+    return profile(icc::rgb(3.0));
+}
+
 IccProfile outputRgb() {
     return profile(icc::rgb(2.4, cmsSigOutputClass));
 }
@@ -73,6 +87,10 @@ constexpr std::array ways{
     Way{"WideGamutToPress", wideGamut, press, 125'000},
     Way{"WideGamutToTablesOfEachIntent", wideGamut, ownTableOfEachIntent, 50'000},
     Way{"SRgbToOutputRgb", sRgb, outputRgb, 50'000},
+    Way{"RommToSRgb", romm, sRgb, 25'000},
+    Way{"RommToSteepRgb", romm, steepRgb, 25'000},
+    Way{"LinearRommToSRgb", linearRomm, sRgb, 25'000},
+    Way{"LinearRommToPress", linearRomm, press, 25'000},
     Way{"GrayToPress", gray, press, 20'000},
     Way{"GrayToOutputRgb", gray, outputRgb, 10'000},
     Way{"PressToSRgb", press, sRgb, 30'000, true},
