@@ -2,9 +2,8 @@
 
 #include "Interrupted.h"
 
-#include <array>
 #include <condition_variable>
-#include <cstring>
+#include <deque>
 #include <exception>
 #include <mutex>
 #include <thread>
@@ -13,7 +12,7 @@ namespace orvex::platform {
 
 namespace {
 
-/// A ring of strips between one decoding and one consuming thread. Its buffers are used again and again.
+/// The strips between one decoding and one consuming thread.
 class StripQueue {
 public:
     /// Decodes all rows into the queue, and ends it. Raises nothing: a failure waits for the consumer.
@@ -29,12 +28,11 @@ public:
     }
 
     /// Hands every strip to the sink, and raises the decoder's failure after the last.
-    void drain(const RowSink& sink) {
-        for (qint64 taken = 0; waitForStrip(); ++taken) {
-            const Slot& slot = slots_[static_cast<std::size_t>(taken % stripsInFlight)];
-            sink({slot.firstRow, slot.rowCount, std::span(slot.bytes)});
+    void drain(const std::function<void(OwnedStrip)>& sink) {
+        while (waitForStrip()) {
+            sink(std::move(strips_.front()));
             const std::lock_guard lock(mutex_);
-            --filled_;
+            strips_.pop_front();
             changed_.notify_all();
         }
         if (failure_) {
@@ -43,40 +41,28 @@ public:
     }
 
 private:
-    struct Slot {
-        qint64 firstRow = 0;
-        qint64 rowCount = 0;
-        std::vector<std::byte> bytes;
-    };
-
     void push(const RowStrip& strip, const std::stop_token& stop) {
         {
             std::unique_lock lock(mutex_);
-            changed_.wait(lock, stop, [this] { return filled_ < stripsInFlight; });
+            changed_.wait(lock, stop, [this] { return std::ssize(strips_) < stripsInFlight; });
         }
         throwIfStopped(stop);
-        // The slot is the decoder's alone until `filled_` counts it.
-        Slot& slot = slots_[static_cast<std::size_t>(pushed_++ % stripsInFlight)];
-        slot.firstRow = strip.firstRow;
-        slot.rowCount = strip.rowCount;
-        slot.bytes.assign(strip.bytes.begin(), strip.bytes.end());
+        OwnedStrip copy{strip.firstRow, strip.rowCount, std::vector(strip.bytes.begin(), strip.bytes.end())};
         const std::lock_guard lock(mutex_);
-        ++filled_;
+        strips_.push_back(std::move(copy));
         changed_.notify_all();
     }
 
     /// Whether there is a strip; false once the queue has ended.
     bool waitForStrip() {
         std::unique_lock lock(mutex_);
-        changed_.wait(lock, [this] { return filled_ > 0 || isEnded_; });
-        return filled_ > 0;
+        changed_.wait(lock, [this] { return !strips_.empty() || isEnded_; });
+        return !strips_.empty();
     }
 
-    std::array<Slot, stripsInFlight> slots_;
     std::mutex mutex_;
     std::condition_variable_any changed_;
-    qint64 pushed_ = 0; // the decoder's own
-    int filled_ = 0;
+    std::deque<OwnedStrip> strips_; // the first of which the sink works on
     bool isEnded_ = false;
     std::exception_ptr failure_;
 };
@@ -84,6 +70,12 @@ private:
 } // namespace
 
 void overlappedRows(const Raster& raster, const RowSink& sink) {
+    overlappedStrips(raster, [&sink](const OwnedStrip& strip) {
+        sink({.firstRow = strip.firstRow, .rowCount = strip.rowCount, .bytes = strip.bytes});
+    });
+}
+
+void overlappedStrips(const Raster& raster, const std::function<void(OwnedStrip)>& sink) {
     StripQueue queue;
     // Leaving this function by the sink's exception asks the thread to stop and waits for it.
     const std::jthread decoder([&](const std::stop_token& stop) { queue.fill(raster, stop); });

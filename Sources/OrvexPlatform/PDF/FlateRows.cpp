@@ -28,27 +28,30 @@ struct CompressedStrip {
     qint64 endRow = 0; ///< the first row after it
 };
 
-std::span<std::uint8_t> unsignedBytes(QByteArray& bytes) {
-    return {reinterpret_cast<std::uint8_t*>(bytes.data()), static_cast<std::size_t>(bytes.size())};
+std::uint8_t* unsignedBytes(QByteArray& bytes) {
+    return reinterpret_cast<std::uint8_t*>(bytes.data());
 }
 
 /// Raw deflate blocks (RFC 1951) that stand for themselves: they refer to nothing before them and end on a whole byte.
-QByteArray deflate(std::vector<std::byte>& plain, bool isLast) {
+QByteArray deflate(QByteArray& plain, bool isLast) {
     // Level 1 gives the size of zlib's level 1 at several times its speed; incompressible data grows by a few bytes for
     // each stored block of 65,535.
-    constexpr std::size_t slackBytes = 1024;
+    constexpr qsizetype slackBytes = 1024;
+    // Far matches are few among the differences of a photograph, and looking for them costs more than they save.
+    constexpr std::uint16_t windowBits = 12;
     std::vector<std::uint8_t> levelBuffer(ISAL_DEF_LVL1_DEFAULT);
-    QByteArray deflated(static_cast<qsizetype>(plain.size() + plain.size() / 1024 + slackBytes), Qt::Uninitialized);
+    QByteArray deflated(plain.size() + plain.size() / 1024 + slackBytes, Qt::Uninitialized);
     isal_zstream stream;
     isal_deflate_init(&stream);
+    stream.hist_bits = windowBits;
     stream.level = 1;
     stream.level_buf = levelBuffer.data();
     stream.level_buf_size = static_cast<std::uint32_t>(levelBuffer.size());
     stream.end_of_stream = isLast ? 1 : 0;
     stream.flush = isLast ? NO_FLUSH : FULL_FLUSH;
-    stream.next_in = reinterpret_cast<std::uint8_t*>(plain.data());
+    stream.next_in = unsignedBytes(plain);
     stream.avail_in = static_cast<std::uint32_t>(plain.size());
-    stream.next_out = unsignedBytes(deflated).data();
+    stream.next_out = unsignedBytes(deflated);
     stream.avail_out = static_cast<std::uint32_t>(deflated.size());
     if (isal_deflate(&stream) != COMP_OK || stream.avail_in != 0 || stream.avail_out == 0) {
         throw std::logic_error("a strip does not fit its deflate buffer");
@@ -57,14 +60,14 @@ QByteArray deflate(std::vector<std::byte>& plain, bool isLast) {
     return deflated;
 }
 
-CompressedStrip compress(const std::vector<std::byte>& strip, const Raster& raster, Samples samples, qint64 endRow) {
-    std::vector<std::byte> plain = predictRows(strip, raster.format(), raster.storedWidth(), samples);
+CompressedStrip compress(const OwnedStrip& strip, const Raster& raster, Samples samples) {
+    constexpr quint32 adlerOfNothing = 1; // RFC 1950
+    QByteArray plain = predictRows(strip.bytes, raster.format(), raster.storedWidth(), samples);
     CompressedStrip result;
-    result.plainBytes = static_cast<qint64>(plain.size());
-    result.adler = static_cast<quint32>(
-        adler32_z(adler32(0, nullptr, 0), reinterpret_cast<const Bytef*>(plain.data()), plain.size()));
-    result.deflated = deflate(plain, endRow == raster.storedHeight());
-    result.endRow = endRow;
+    result.plainBytes = plain.size();
+    result.adler = isal_adler32(adlerOfNothing, unsignedBytes(plain), static_cast<std::uint64_t>(plain.size()));
+    result.endRow = strip.firstRow + strip.rowCount;
+    result.deflated = deflate(plain, result.endRow == raster.storedHeight());
     return result;
 }
 
@@ -120,11 +123,10 @@ void flateRows(const Raster& raster, Samples samples, const std::function<void(Q
         tell(strip.endRow);
     };
     tell(0);
-    overlappedRows(raster, [&](const RowStrip& strip) {
+    overlappedStrips(raster, [&](OwnedStrip strip) {
         throwIfStopped(stop);
-        const qint64 endRow = strip.firstRow + strip.rowCount;
-        pending.push_back(inBackground([bytes = std::vector(strip.bytes.begin(), strip.bytes.end()), &raster, samples,
-                                        endRow] { return compress(bytes, raster, samples, endRow); }));
+        pending.push_back(
+            inBackground([owned = std::move(strip), &raster, samples] { return compress(owned, raster, samples); }));
         if (pending.size() >= largestPending) {
             writeOldest();
         }

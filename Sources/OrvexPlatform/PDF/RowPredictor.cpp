@@ -1,10 +1,12 @@
 #include "PDF/RowPredictor.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <vector>
 
 namespace orvex::platform {
 
@@ -40,7 +42,7 @@ std::uint16_t sixteenBits(std::uint16_t value) {
 }
 
 template <typename Sample>
-void selectAsBigEndian(std::span<const std::byte> row, Selection selection, std::vector<std::byte>& out) {
+void selectAsBigEndian(std::span<const std::byte> row, Selection selection, std::span<std::byte> out) {
     const std::size_t pixels = row.size() / sizeof(Sample) / selection.perPixel;
     std::byte* to = out.data();
     const std::byte* from = row.data() + selection.first * sizeof(Sample);
@@ -55,7 +57,7 @@ void selectAsBigEndian(std::span<const std::byte> row, Selection selection, std:
     }
 }
 
-void selectBytes(std::span<const std::byte> row, Selection selection, std::vector<std::byte>& out) {
+void selectBytes(std::span<const std::byte> row, Selection selection, std::span<std::byte> out) {
     if (selection.count == selection.perPixel) {
         std::copy(row.begin(), row.end(), out.begin());
         return;
@@ -67,7 +69,7 @@ void selectBytes(std::span<const std::byte> row, Selection selection, std::vecto
 }
 
 /// The whole row is one run of samples: swapping the bytes of pairs is all there is to do.
-void swapAll(std::span<const std::byte> row, std::vector<std::byte>& out) {
+void swapAll(std::span<const std::byte> row, std::span<std::byte> out) {
     const std::byte* from = row.data();
     std::byte* to = out.data();
     for (std::size_t at = 0; at + 1 < row.size(); at += 2) {
@@ -81,7 +83,7 @@ void swapAll(std::span<const std::byte> row, std::vector<std::byte>& out) {
 static_assert(std::endian::native == std::endian::little, "swapAll makes big-endian rows of little-endian ones");
 
 void toBigEndianRow(std::span<const std::byte> row, const PixelFormat& format, Selection selection,
-                    std::vector<std::byte>& out) {
+                    std::span<std::byte> out) {
     if (format.isFloat) {
         selectAsBigEndian<float>(row, selection, out);
     } else if (format.bitsPerComponent == 32) {
@@ -99,17 +101,16 @@ std::uint8_t number(std::byte value) {
     return std::to_integer<std::uint8_t>(value);
 }
 
-/// Writes row[i] - reference[i] and returns how far the differences are from zero in all: small is likely to compress.
-std::uint64_t writeDifferences(const std::byte* row, const std::byte* reference, std::size_t count, std::byte* out) {
+/// How far the differences of two rows are from zero, for every eighth run of bytes: little is likely to compress well.
+std::uint64_t sampledDistance(const std::byte* row, const std::byte* reference, std::size_t count) {
+    constexpr std::size_t runBytes = 128;
+    constexpr std::size_t stepBytes = 8 * runBytes;
     std::uint64_t sum = 0;
-    std::size_t at = 0;
-    while (at < count) {
-        // Sums of 32 bits over a bounded run let the loop be vectorised.
-        const std::size_t end = std::min<std::size_t>(count, at + 65536);
-        std::uint32_t partial = 0;
-        for (; at < end; ++at) {
-            const auto difference = static_cast<std::uint8_t>(number(row[at]) - number(reference[at]));
-            out[at] = static_cast<std::byte>(difference);
+    for (std::size_t at = 0; at < count; at += stepBytes) {
+        const std::size_t end = std::min(count, at + runBytes);
+        std::uint32_t partial = 0; // lets the loop be vectorised
+        for (std::size_t i = at; i < end; ++i) {
+            const auto difference = static_cast<std::uint8_t>(number(row[i]) - number(reference[i]));
             partial += std::min<std::uint8_t>(difference, static_cast<std::uint8_t>(-difference));
         }
         sum += partial;
@@ -117,17 +118,70 @@ std::uint64_t writeDifferences(const std::byte* row, const std::byte* reference,
     return sum;
 }
 
-std::uint64_t filterRowSub(const std::vector<std::byte>& row, std::size_t pixelBytes, std::byte* out) {
+void writeDifferences(const std::byte* row, const std::byte* reference, std::size_t count, std::byte* out) {
+    for (std::size_t i = 0; i < count; ++i) {
+        out[i] = static_cast<std::byte>(number(row[i]) - number(reference[i]));
+    }
+}
+
+using Row = std::span<const std::byte>;
+
+/// Whether the row is closer to the one above it than its pixels are to each other.
+bool isCloserToAbove(Row row, Row above, std::size_t pixelBytes) {
+    if (row.size() <= pixelBytes) {
+        return true;
+    }
+    const std::size_t count = row.size() - pixelBytes;
+    return sampledDistance(row.data() + pixelBytes, above.data() + pixelBytes, count) <
+           sampledDistance(row.data() + pixelBytes, row.data(), count);
+}
+
+void filterRowSub(Row row, std::size_t pixelBytes, std::byte* out) {
     const std::size_t head = std::min(pixelBytes, row.size());
     out[0] = filterSub;
     std::copy_n(row.data(), head, out + 1);
-    return writeDifferences(row.data() + head, row.data(), row.size() - head, out + 1 + head);
+    writeDifferences(row.data() + head, row.data(), row.size() - head, out + 1 + head);
 }
 
-std::uint64_t filterRowUp(const std::vector<std::byte>& row, const std::vector<std::byte>& above, std::byte* out) {
+void filterRowUp(Row row, Row above, std::byte* out) {
     out[0] = filterUp;
-    return writeDifferences(row.data(), above.data(), row.size(), out + 1);
+    writeDifferences(row.data(), above.data(), row.size(), out + 1);
 }
+
+/// Rows of a raster as PDF expects them.
+class BigEndianRows {
+public:
+    BigEndianRows(std::span<const std::byte> strip, const PixelFormat& format, Selection selection,
+                  std::size_t sourceBytes, std::size_t rowBytes)
+        : strip_(strip),
+          format_(format),
+          selection_(selection),
+          sourceBytes_(sourceBytes),
+          isAsStored_(format.bitsPerComponent == 8 && selection.count == selection.perPixel) {
+        if (!isAsStored_) {
+            rooms_.fill(std::vector<std::byte>(rowBytes));
+        }
+    }
+
+    /// The row of this number, which stays until the one after the next is asked for.
+    Row row(std::size_t number) {
+        const Row stored = strip_.subspan(number * sourceBytes_, sourceBytes_);
+        if (isAsStored_) {
+            return stored;
+        }
+        std::vector<std::byte>& room = rooms_[number % rooms_.size()];
+        toBigEndianRow(stored, format_, selection_, room);
+        return room;
+    }
+
+private:
+    std::span<const std::byte> strip_;
+    const PixelFormat& format_;
+    Selection selection_;
+    std::size_t sourceBytes_;
+    bool isAsStored_;
+    std::array<std::vector<std::byte>, 2> rooms_;
+};
 
 } // namespace
 
@@ -137,29 +191,28 @@ PredictedRows predictedRows(const PixelFormat& format, qint64 widthPixels, Sampl
     return {.rowBytes = widthPixels * count * sampleBytes, .pixelBytes = count * sampleBytes};
 }
 
-std::vector<std::byte> predictRows(std::span<const std::byte> strip, const PixelFormat& format, qint64 widthPixels,
-                                   Samples samples) {
+QByteArray predictRows(std::span<const std::byte> strip, const PixelFormat& format, qint64 widthPixels,
+                       Samples samples) {
     const PredictedRows shape = predictedRows(format, widthPixels, samples);
-    const Selection selection = selectionOf(format, samples);
     const auto sourceBytes = static_cast<std::size_t>(widthPixels * format.bytesPerPixel());
-    const auto stride = static_cast<std::size_t>(shape.strideBytes());
     const auto pixelBytes = static_cast<std::size_t>(shape.pixelBytes);
     const std::size_t rowCount = strip.size() / sourceBytes;
 
-    std::vector<std::byte> out(rowCount * stride);
-    std::vector<std::byte> row(static_cast<std::size_t>(shape.rowBytes));
-    std::vector<std::byte> above(row.size());
-    std::vector<std::byte> candidate(stride);
-    for (std::size_t index = 0; index < rowCount; ++index) {
-        toBigEndianRow(strip.subspan(index * sourceBytes, sourceBytes), format, selection, row);
-        std::byte* target = out.data() + index * stride;
-        const std::uint64_t subSum = filterRowSub(row, pixelBytes, target);
-        if (index > 0 && filterRowUp(row, above, candidate.data()) < subSum) {
-            std::copy(candidate.begin(), candidate.end(), target);
+    QByteArray predicted(static_cast<qsizetype>(rowCount) * shape.strideBytes(), Qt::Uninitialized);
+    auto* target = reinterpret_cast<std::byte*>(predicted.data());
+    BigEndianRows rows(strip, format, selectionOf(format, samples), sourceBytes,
+                       static_cast<std::size_t>(shape.rowBytes));
+    Row above;
+    for (std::size_t number = 0; number < rowCount; ++number, target += shape.strideBytes()) {
+        const Row row = rows.row(number);
+        if (number > 0 && isCloserToAbove(row, above, pixelBytes)) {
+            filterRowUp(row, above, target);
+        } else {
+            filterRowSub(row, pixelBytes, target);
         }
-        std::swap(row, above);
+        above = row;
     }
-    return out;
+    return predicted;
 }
 
 } // namespace orvex::platform

@@ -3,9 +3,10 @@
 #include "Imaging/Raster.h"
 #include "PDF/FlateRows.h"
 
+#include <QByteArray>
+
 #include <cstddef>
 #include <span>
-#include <vector>
 
 namespace orvex::platform {
 
@@ -21,9 +22,9 @@ struct PredictedRows {
 [[nodiscard]] PredictedRows predictedRows(const PixelFormat& format, qint64 widthPixels, Samples samples);
 
 /// Turns whole rows of a raster into the big-endian rows that PDF expects, each with the PNG filter (ISO/IEC 15948, 9)
-/// that makes it smaller: Sub, or Up below another row. The first row never refers to one before it, so that strips
-/// can be made apart from each other.
-[[nodiscard]] std::vector<std::byte> predictRows(std::span<const std::byte> strip, const PixelFormat& format,
-                                                 qint64 widthPixels, Samples samples);
+/// that is likely to make it smaller: Sub, or Up below another row. The first row never refers to one before it, so
+/// that strips can be made apart from each other.
+[[nodiscard]] QByteArray predictRows(std::span<const std::byte> strip, const PixelFormat& format, qint64 widthPixels,
+                                     Samples samples);
 
 } // namespace orvex::platform
