@@ -130,5 +130,44 @@ TEST_F(ColorConversion, refusesAnOutputProfileThatConvertsToGray) {
     EXPECT_EQ(test::TemporaryFolder::read(path("roll.pdf")), "old");
 }
 
+TEST_F(ColorConversion, refusesAnOutputProfileThatIsDamagedWhereAnyIntentNeedsIt) {
+    const QString artwork = write("a.tif", picture(8).bytes());
+    write("roll.pdf", "old");
+    const qsizetype table = test::icc::entryOf(inks_, "B2A2");
+    const QByteArray cut = inks_.first(test::icc::contentOf(inks_, "B2A2") + 1000);
+    const std::vector<QByteArray> damaged{
+        test::icc::patched(inks_, table + 4, static_cast<quint32>(inks_.size())),
+        test::icc::patched(inks_, table + 8, quint32{0xFFFFFFFF}),
+        test::icc::patched(cut, 0, static_cast<quint32>(cut.size())),
+        QByteArray(inks_).replace(test::icc::contentOf(inks_, "wtpt"), 4, "XXXX"),
+    };
+    for (const QByteArray& each : damaged) {
+        write("out.icc", each);
+        for (const char* intent : {"perceptual", "relativeColorimetric", "saturation", "absoluteColorimetric"}) {
+            const CommandResult result = runCommand(rollCommand({artwork}) + QStringList{q("--intent"), q(intent)});
+            EXPECT_EQ(result.status, 1);
+            EXPECT_EQ(result.output, QByteArray());
+            EXPECT_TRUE(result.errors.contains(
+                q("ColorSync could not validate this ICC profile. It may be damaged or unsupported.")))
+                << intent << result.errors.toStdString();
+            EXPECT_EQ(test::TemporaryFolder::read(path("roll.pdf")), "old");
+        }
+    }
+}
+
+TEST_F(ColorConversion, takesAPictureWithADamagedProfileAsOneWithout) {
+    TiffFixture tiff = picture(8);
+    const QByteArray sound = tiff.profile;
+    tiff.profile = test::icc::patched(sound, test::icc::entryOf(sound, "wtpt") + 4, quint32{0x7FFFFFFF});
+    const QString artwork = write("a.tif", tiff.bytes());
+    const CommandResult converted = runCommand(rollCommand({artwork}));
+    EXPECT_EQ(converted.status, 1);
+    EXPECT_TRUE(converted.errors.contains(q("The source reports no embedded ICC profile.")))
+        << converted.errors.toStdString();
+    const CommandResult byTheDriver = runCommand({q("roll"), artwork, q("-o"), path("roll.pdf")});
+    EXPECT_EQ(byTheDriver.status, 0) << byTheDriver.errors.toStdString();
+    EXPECT_EQ(byTheDriver.json().object()[q("audits")][0][q("sourceProfileName")], q("未报告嵌入配置；不推定为 sRGB"));
+}
+
 } // namespace
 } // namespace orvex

@@ -145,6 +145,20 @@ inline Profile cmyk(cmsProfileClassSignature profileClass = cmsSigOutputClass, T
     return profile;
 }
 
+/// An RGB profile with a table of floating-point numbers for each intent and direction, besides what `rgb` has.
+inline Profile floatTables() {
+    Profile profile = rgb(1.8);
+    constexpr std::array matrix{0.5, 0.3, 0.2, 0.25, 0.7, 0.05, 0.01, 0.1, 0.8};
+    for (const auto tag : {cmsSigDToB0Tag, cmsSigDToB1Tag, cmsSigDToB2Tag, cmsSigDToB3Tag, cmsSigBToD0Tag,
+                           cmsSigBToD1Tag, cmsSigBToD2Tag, cmsSigBToD3Tag}) {
+        cmsPipeline* pipeline = cmsPipelineAlloc(nullptr, 3, 3);
+        cmsPipelineInsertStage(pipeline, cmsAT_END, cmsStageAllocMatrix(nullptr, 3, 3, matrix.data(), nullptr));
+        cmsWriteTag(profile.get(), tag, pipeline);
+        cmsPipelineFree(pipeline);
+    }
+    return profile;
+}
+
 inline Profile deviceLink() {
     cmsToneCurve* curve = cmsBuildGamma(nullptr, 1.5);
     const std::array<cmsToneCurve*, 3> curves{curve, curve, curve};
@@ -185,6 +199,25 @@ template <typename Number>
 QByteArray patched(QByteArray data, qsizetype offset, Number value) {
     qToBigEndian(value, data.data() + offset);
     return data;
+}
+
+inline quint32 numberAt(const QByteArray& data, qsizetype offset) {
+    return qFromBigEndian<quint32>(data.constData() + offset);
+}
+
+/// Where in the data the directory's entry of a tag stands: its signature, its offset and its size.
+inline qsizetype entryOf(const QByteArray& data, QByteArrayView tag) {
+    for (qsizetype entry = 132; entry < 132 + 12 * static_cast<qsizetype>(numberAt(data, 128)); entry += 12) {
+        if (QByteArrayView(data).sliced(entry, 4) == tag) {
+            return entry;
+        }
+    }
+    throw std::runtime_error("a profile of the tests has no such tag");
+}
+
+/// Where in the data the content of a tag begins.
+inline qsizetype contentOf(const QByteArray& data, QByteArrayView tag) {
+    return numberAt(data, entryOf(data, tag) + 4);
 }
 
 } // namespace orvex::test::icc

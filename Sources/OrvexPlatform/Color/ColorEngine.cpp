@@ -13,4 +13,9 @@ EngineContext makeEngineContext() {
     return context;
 }
 
+EngineProfile openEngineProfile(const EngineContext& context, QByteArrayView data) {
+    return EngineProfile(
+        cmsOpenProfileFromMemTHR(context.get(), data.data(), static_cast<cmsUInt32Number>(data.size())));
+}
+
 } // namespace orvex::platform

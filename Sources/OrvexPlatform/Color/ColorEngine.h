@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QByteArrayView>
+
 #include <lcms2.h>
 
 #include <memory>
@@ -28,6 +30,9 @@ using EngineTransform = std::unique_ptr<void, EngineTransformDeleter>;
 
 /// A silent context. Raises std::bad_alloc.
 [[nodiscard]] EngineContext makeEngineContext();
+
+/// The profile of these bytes, of which the engine makes a copy; empty if it cannot open it.
+[[nodiscard]] EngineProfile openEngineProfile(const EngineContext& context, QByteArrayView data);
 
 /// Every sample is computed from the profiles themselves, and nothing is shared between the threads that convert.
 inline constexpr cmsUInt32Number exactTransformFlags = cmsFLAGS_NOCACHE | cmsFLAGS_NOOPTIMIZE;

@@ -41,11 +41,6 @@ cmsUInt32Number engineIntent(RenderingIntent intent) {
     return INTENT_RELATIVE_COLORIMETRIC;
 }
 
-EngineProfile open(const EngineContext& context, const IccProfile& profile) {
-    return EngineProfile(cmsOpenProfileFromMemTHR(context.get(), profile.data().constData(),
-                                                  static_cast<cmsUInt32Number>(profile.data().size())));
-}
-
 } // namespace
 
 struct ColorTransform::Engine {
@@ -76,8 +71,8 @@ std::optional<ColorTransform> ColorTransform::make(const IccProfile& source, int
     }
     auto engine = std::make_shared<Engine>();
     engine->context = makeEngineContext();
-    const EngineProfile input = open(engine->context, source);
-    const EngineProfile output = open(engine->context, destination);
+    const EngineProfile input = openEngineProfile(engine->context, source.data());
+    const EngineProfile output = openEngineProfile(engine->context, destination.data());
     if (!input || !output) {
         return std::nullopt;
     }

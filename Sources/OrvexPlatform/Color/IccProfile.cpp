@@ -1,7 +1,9 @@
 #include "Color/IccProfile.h"
 
 #include "Color/ColorEngine.h"
+#include "Color/IccColorTags.h"
 #include "Color/IccDescription.h"
+#include "Color/IccDirectory.h"
 #include "Files/ByteReader.h"
 
 #include <algorithm>
@@ -30,14 +32,9 @@ bool isAscii(QByteArrayView text) {
     return std::all_of(text.begin(), text.end(), [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
 }
 
-EngineProfile openProfile(cmsContext context, const QByteArray& data) {
-    return EngineProfile(
-        cmsOpenProfileFromMemTHR(context, data.constData(), static_cast<cmsUInt32Number>(data.size())));
-}
-
 /// Whether the engine can compute colours from the profile at all: from the device to the connection space, from the
 /// one side of a link to the other, from a name to its colour.
-bool canCompute(cmsContext context, const EngineProfile& profile) {
+bool canCompute(const EngineContext& context, const EngineProfile& profile) {
     const auto profileClass = cmsGetDeviceClass(profile.get());
     const bool isNamed = profileClass == cmsSigNamedColorClass;
     const auto space = cmsGetColorSpace(profile.get());
@@ -52,7 +49,7 @@ bool canCompute(cmsContext context, const EngineProfile& profile) {
         return CHANNELS_SH(static_cast<cmsUInt32Number>(channels)) | BYTES_SH(2U);
     };
     cmsHPROFILE handle = profile.get();
-    return EngineTransform(cmsCreateMultiprofileTransformTHR(context, &handle, 1, format(inputs), format(outputs),
+    return EngineTransform(cmsCreateMultiprofileTransformTHR(context.get(), &handle, 1, format(inputs), format(outputs),
                                                              INTENT_RELATIVE_COLORIMETRIC, exactTransformFlags)) !=
            nullptr;
 }
@@ -133,9 +130,10 @@ std::optional<IccProfile> IccProfile::fromData(const QByteArray& data) {
         !isAscii(QByteArrayView(data).sliced(classOffset, classAndSpacesBytes))) {
         return std::nullopt;
     }
+    const auto tags = iccDirectory(data);
     const EngineContext context = makeEngineContext();
-    const EngineProfile handle = openProfile(context.get(), data);
-    if (!handle || !canCompute(context.get(), handle)) {
+    const EngineProfile handle = openEngineProfile(context, data);
+    if (!tags || !handle || !canCompute(context, handle) || !canReadColorTags(context, handle, data, *tags)) {
         return std::nullopt;
     }
     IccProfile profile;

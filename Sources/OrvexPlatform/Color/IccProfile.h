@@ -19,8 +19,10 @@ public:
 
     /// The profile of these bytes, or nothing if they are unusable: fewer than `smallestBytes` or more than
     /// `largestBytes`; a signature that is not "acsp"; a size field below `smallestBytes` or beyond the bytes, while
-    /// bytes behind the profile do no harm; a class or colour space that is not ASCII; or a profile that the colour
-    /// engine cannot open or from which it cannot compute colours. Every class of the standard passes.
+    /// bytes behind the profile do no harm; a class or colour space that is not ASCII; a tag that does not lie between
+    /// the directory and the end of the profile; or a profile that the colour engine cannot open, from which it cannot
+    /// compute colours, or of which it cannot read all that colours are computed from. Every class of the standard
+    /// passes.
     [[nodiscard]] static std::optional<IccProfile> fromData(const QByteArray& data);
 
     [[nodiscard]] const QByteArray& data() const { return data_; }

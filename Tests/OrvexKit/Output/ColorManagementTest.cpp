@@ -242,6 +242,7 @@ TEST(DetectedProfile, MustBeUsableAsASource) {
     };
 
     const QByteArray ordinary = icc::saved(icc::rgb(1.8));
+    const QByteArray inks = icc::saved(icc::cmyk());
     const std::vector<Case> cases{
         {"scanner", icc::saved(icc::rgb(1.8, cmsSigInputClass)), true},
         {"colour space", icc::saved(icc::rgb(1.8, cmsSigColorSpaceClass)), true},
@@ -252,6 +253,10 @@ TEST(DetectedProfile, MustBeUsableAsASource) {
         {"named colours", icc::saved(icc::namedColor()), false},
         {"Lab", icc::saved(icc::lab()), false},
         {"cut off", ordinary.chopped(1), false},
+        {"white point beyond the profile",
+         icc::patched(ordinary, icc::entryOf(ordinary, "wtpt") + 4, quint32{0x7FFFFFFF}), false},
+        {"unreadable table of another intent", QByteArray(inks).replace(icc::contentOf(inks, "A2B2"), 4, "XXXX"),
+         false},
         {"131 bytes", ordinary.first(131), false},
         {"no profile", QByteArray(300, 'x'), false},
     };
@@ -362,6 +367,21 @@ TEST(OutputICCProfile, RefusesWhatTheEngineCannotUse) {
     const InChinese chinese;
     EXPECT_EQ(outputRefusal(data.first(132)),
               QStringLiteral("ColorSync 无法验证此 ICC 配置文件，文件可能已损坏或不受支持。"));
+}
+
+TEST(OutputICCProfile, RefusesDamageToWhatAnyIntentNeeds) {
+    const QByteArray data = icc::saved(icc::cmyk());
+    EXPECT_EQ(outputRefusal(data), QStringLiteral("no refusal"));
+    for (const char* tag : {"A2B0", "A2B2", "B2A0", "B2A1", "B2A2", "wtpt"}) {
+        EXPECT_EQ(outputRefusal(icc::patched(data, icc::entryOf(data, tag) + 8, quint32{0x7FFFFFFF})), engineRefusal);
+        EXPECT_EQ(outputRefusal(QByteArray(data).replace(icc::contentOf(data, tag), 4, "XXXX")), engineRefusal);
+    }
+}
+
+TEST(OutputICCProfile, RefusesDamageBeforeItsClass) {
+    const QByteArray link = icc::saved(icc::deviceLink());
+    EXPECT_EQ(outputRefusal(link), outputClassRefusal);
+    EXPECT_EQ(outputRefusal(icc::patched(link, icc::entryOf(link, "pseq") + 4, quint32{0})), engineRefusal);
 }
 
 TEST(OutputICCProfile, RefusesOtherClassesAndModels) {
