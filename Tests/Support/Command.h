@@ -5,6 +5,7 @@
 #include <QProcess>
 #include <QStringList>
 
+#include <functional>
 #include <stdexcept>
 
 namespace orvex::test {
@@ -18,10 +19,15 @@ struct CommandResult {
     [[nodiscard]] QJsonDocument json() const { return QJsonDocument::fromJson(output); }
 };
 
-/// Runs the built orvexctl in English and waits for its end.
+/// Runs the built orvexctl in English and waits for its end. `prepare` is called in the child process, which must not
+/// allocate memory there.
 inline CommandResult runCommand(const QStringList& arguments, const QByteArray& input = {},
-                                const QString& language = QStringLiteral("en")) {
+                                const QString& language = QStringLiteral("en"),
+                                const std::function<void()>& prepare = {}) {
     QProcess process;
+    if (prepare) {
+        process.setChildProcessModifier(prepare);
+    }
     process.start(QStringLiteral(ORVEXCTL), QStringList{QStringLiteral("--language"), language} + arguments);
     process.write(input);
     process.closeWriteChannel();
