@@ -11,7 +11,7 @@ namespace orvex {
 
 /// The colour options that the rendering commands share.
 struct ColorOptions {
-    std::string outputIccPath;
+    std::optional<std::string> outputIccPath; ///< never empty
     std::string intent = "relativeColorimetric";
     bool isDriverCorrectionOff = false;
 

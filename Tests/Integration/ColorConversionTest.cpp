@@ -169,5 +169,46 @@ TEST_F(ColorConversion, takesAPictureWithADamagedProfileAsOneWithout) {
     EXPECT_EQ(byTheDriver.json().object()[q("audits")][0][q("sourceProfileName")], q("未报告嵌入配置；不推定为 sRGB"));
 }
 
+TEST_F(ColorConversion, isNotAskedForByAnEmptyPath) {
+    const QString image = write("a.tif", picture(8).bytes());
+    write("roll.pdf", "old");
+    const QStringList names = folder_.names();
+    const QStringList confirmed{q("--output-icc"), QString(), q("--driver-correction-off")};
+    for (const QStringList& command :
+         {QStringList{q("roll"), image}, {q("render"), q("-")}}) { // the path is looked at before the layout
+        for (const QStringList& options : {confirmed, confirmed.first(2)}) {
+            SCOPED_TRACE((command.first() + u' ' + options.join(u' ')).toStdString());
+            const QStringList arguments = command + QStringList{q("-o"), path("roll.pdf")} + options;
+            const CommandResult result = runCommand(arguments);
+            EXPECT_EQ(result.status, 2);
+            EXPECT_EQ(result.output, QByteArray());
+            EXPECT_TRUE(result.errors.startsWith(q("--output-icc: the path of the output profile must not be empty\n")))
+                << result.errors.toStdString();
+            const CommandResult chinese = runCommand(arguments, {}, q("zh-Hans"));
+            EXPECT_EQ(chinese.status, 2);
+            EXPECT_TRUE(chinese.errors.startsWith(q("用法错误（--output-icc: 输出 ICC 的路径不能为空）\n")))
+                << chinese.errors.toStdString();
+        }
+    }
+    EXPECT_EQ(test::TemporaryFolder::read(path("roll.pdf")), "old");
+    EXPECT_EQ(folder_.names(), names);
+}
+
+TEST_F(ColorConversion, hasNoOptionsWithoutAnOutputProfile) {
+    const QString image = write("a.tif", picture(8).bytes());
+    const QStringList names = folder_.names();
+    for (const QStringList& command : {QStringList{q("roll"), image}, {q("render"), q("-")}}) {
+        for (const QStringList& options :
+             {QStringList{q("--driver-correction-off")}, {q("--intent"), q("saturation")}}) {
+            const CommandResult result = runCommand(command + QStringList{q("-o"), path("roll.pdf")} + options);
+            EXPECT_EQ(result.status, 2);
+            EXPECT_EQ(result.output, QByteArray());
+            EXPECT_TRUE(result.errors.startsWith(options.first() + q(" requires --output-icc\n")))
+                << result.errors.toStdString();
+        }
+    }
+    EXPECT_EQ(folder_.names(), names);
+}
+
 } // namespace
 } // namespace orvex
