@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
 
 #include <algorithm>
 #include <cstring>
@@ -16,11 +17,12 @@ struct TiffFixture {
     quint32 height = 1;
     quint16 samples = 3;
     quint16 bits = 8;
-    quint16 photometric = 2;  ///< 1 gray, 2 RGB, 5 CMYK
+    quint16 photometric = 2;  ///< 1 gray, 2 RGB, 3 palette, 5 CMYK
     quint16 sampleFormat = 1; ///< 1 unsigned, 3 floating point
     quint16 orientation = 1;
     std::optional<std::pair<quint32, quint32>> density{}; ///< pixels per inch, horizontal and vertical
     quint32 densityDenominator = 1;
+    QList<quint16> palette{}; ///< all red values of 16 bits, then all green, then all blue ones
     bool hasAlpha = false;
     QByteArray profile{};
     QByteArray pixels{};
@@ -47,6 +49,9 @@ struct TiffFixture {
         builder.shortTag(284, 1);
         if (density) {
             builder.shortTag(296, 2);
+        }
+        if (!palette.isEmpty()) {
+            builder.shortsTag(320, palette);
         }
         if (hasAlpha) {
             builder.shortTag(338, 2);

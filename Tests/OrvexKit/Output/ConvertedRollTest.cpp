@@ -307,6 +307,49 @@ TEST_F(ConvertedRoll, KeepsMoreLevelsOfARampThanTwelveBitsHave) {
     }
 }
 
+TEST_F(ConvertedRoll, TakesShallowAndIndexedPicturesForOnesOfEightBits) {
+    struct Case {
+        TiffFixture tiff;
+        Form form;         ///< of the same picture in whole bytes
+        const char* bytes; ///< its two rows
+    };
+
+    const TiffFixture gray{.height = 2, .samples = 1, .photometric = 1, .profile = grayICC()};
+    TiffFixture twoTones = gray;
+    twoTones.width = 8;
+    twoTones.bits = 1;
+    twoTones.pixels = QByteArray::fromHex("a53c");
+    TiffFixture sixteenTones = gray;
+    sixteenTones.width = 8;
+    sixteenTones.bits = 4;
+    sixteenTones.pixels = QByteArray::fromHex("0123456789abcdef");
+    const TiffFixture indexed{.width = 4,
+                              .height = 2,
+                              .samples = 1,
+                              .bits = 2,
+                              .photometric = 3,
+                              .palette = {0x1111, 0x4444, 0x7777, 0xaaaa, // red
+                                          0x2222, 0x5555, 0x8888, 0xbbbb, // green
+                                          0x3333, 0x6666, 0x9999, 0xcccc},
+                              .profile = rgbICC(),
+                              .pixels = QByteArray::fromHex("1be4")};
+    for (const Case& each : {Case{twoTones, gray8, "ff00ff0000ff00ff0000ffffffff0000"},
+                             Case{sixteenTones, gray8, "00112233445566778899aabbccddeeff"},
+                             Case{indexed, rgb8, "112233445566778899aabbccaabbcc778899445566112233"}}) {
+        SCOPED_TRACE(testing::Message() << each.tiff.bits << " bits, " << each.form.name);
+        const QString shallow = write(each.tiff);
+        const QString deep = write(each.form, each.tiff.width, QByteArray::fromHex(each.bytes));
+        for (const QByteArray& output : {cmykICC(), outputRgbICC()}) {
+            const QByteArray expected = pixelsInPdf(deep, output);
+            const auto audits = render({shallow}, appManaged(), output);
+            QpdfReading pdf(out_);
+            EXPECT_EQ(QpdfReading::data(pdf.images().at(0)), expected);
+            EXPECT_EQ(pdf.images().at(0).getDict().getKey("/BitsPerComponent").getIntValue(), 8);
+            EXPECT_EQ(audits.first().renderedBitsPerComponent, 8);
+        }
+    }
+}
+
 // What the PDF says of them
 
 TEST_F(ConvertedRoll, CarriesTheOutputProfileOnceWithTheDepthOfEachSource) {
@@ -412,6 +455,33 @@ TEST_F(ConvertedRoll, RefusesSourcesWhoseDepthItCannotKeep) {
     TiffFixture floats = file(rgb32, 4, QByteArray(2 * rowBytes(rgb32, 4), '\0'));
     floats.sampleFormat = 3;
     EXPECT_EQ(refusal({write(floats)}, appManaged(), cmykICC()), tooDeep);
+}
+
+TEST_F(ConvertedRoll, RefusesDepthsThatItCannotKeepBeforeAnythingIsDrawn) {
+    using RollPDFRenderer::RenderProgress;
+    using RollPDFRenderer::RenderStage;
+    constexpr qsizetype width = 4;
+    const auto zeros = [](const Form& form) { return file(form, width, QByteArray(2 * rowBytes(form, width), '\0')); };
+    const Form rgb32{"RGB, 32 bits", 3, 32, 2, rgbICC};
+    TiffFixture floats = zeros(rgb32);
+    floats.sampleFormat = 3;
+    for (const TiffFixture& deep : {zeros({"CMYK, 16 bits", 4, 16, 5, cmykICC}), zeros(rgb32), floats}) {
+        SCOPED_TRACE(testing::Message() << deep.samples << " samples of format " << deep.sampleFormat);
+        QList<RenderProgress> told;
+        const auto report = [&](const RenderProgress& progress) {
+            told.append(progress);
+            EXPECT_EQ(folder_.names(), QStringList()) << "no file until everything is proven";
+        };
+        const RollLayout layout = layoutOf({write(rgb8), write(deep)});
+        EXPECT_THROW(
+            (void)RollPDFRenderer::render(layout, {}, QUrl::fromLocalFile(out_), appManaged(), cmykICC(), {}, report),
+            OrvexError);
+        EXPECT_EQ(told, (QList<RenderProgress>{{RenderStage::preflight, 1, 2, 0, 2},
+                                               {RenderStage::preflight, 1, 2, 2, 2},
+                                               {RenderStage::preflight, 2, 2, 0, 2},
+                                               {RenderStage::preflight, 2, 2, 2, 2}}));
+        EXPECT_EQ(folder_.names(), QStringList());
+    }
 }
 
 TEST_F(ConvertedRoll, RefusesSourcesWithoutAProfileThatFitsThem) {
