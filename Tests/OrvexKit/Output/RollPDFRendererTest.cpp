@@ -2,6 +2,7 @@
 
 #include "Color/IccProfile.h"
 #include "Files/FileSystemError.h"
+#include "InChinese.h"
 #include "Interrupted.h"
 #include "Json/JsonReader.h"
 #include "Json/JsonWriter.h"
@@ -326,6 +327,27 @@ TEST_F(RollPDFRendererTest, refusesASourceThatIsNoFileAnyMore) {
     QDir().mkdir(item.sourceURL.toLocalFile());
     EXPECT_EQ(refusal(RollLayout({item})),
               QStringLiteral("The source artwork is unreadable or has not been downloaded locally: a.tif"));
+}
+
+TEST_F(RollPDFRendererTest, refusesInChineseToo) {
+    const test::InChinese chinese;
+    RollArtwork item = artwork(QStringLiteral("a.tif"), picture().bytes());
+    item.title = QStringLiteral("Sea");
+    const QString destination = out_;
+    out_ = item.sourceURL.toLocalFile();
+    EXPECT_EQ(refusal(RollLayout({item})), QStringLiteral("导出位置不能覆盖任何原图。请另选一个 PDF 文件。"));
+    out_ = folder_.path(QStringLiteral("missing/out.pdf"));
+    EXPECT_EQ(refusal(RollLayout({item})), QStringLiteral("无法创建卷布 PDF。请检查保存位置的权限。"));
+    out_ = destination;
+    RollArtwork far = item;
+    far.yInches = 200.0 * 75000;
+    EXPECT_EQ(refusal(RollLayout({far})),
+              QStringLiteral("计算出的卷布长度超出 PDF UserUnit 的范围。请将作品分到多个卷布文件。"));
+    RollArtwork large = item;
+    large.pixelWidth = 8;
+    large.pixelHeight = 4;
+    EXPECT_EQ(refusal(RollLayout({large})),
+              QStringLiteral("“Sea”的像素尺寸在导入后发生了变化。导出已停止，请重新导入该作品。"));
 }
 
 TEST_F(RollPDFRendererTest, endsWithoutATraceWhenAskedToStop) {
