@@ -1,4 +1,5 @@
 #include "Color/IccProfile.h"
+#include "IccFixtures.h"
 #include "Imaging/PngWriter.h"
 #include "Interrupted.h"
 #include "JpegFixture.h"
@@ -23,7 +24,7 @@ QByteArray noise(int samplesPerPixel = 3) {
     quint32 state = 1;
     for (char& sample : pixels) {
         state = state * 1664525U + 1013904223U;
-        sample = static_cast<char>(state >> 27U);
+        sample = static_cast<char>(state >> 24U);
     }
     return pixels;
 }
@@ -61,6 +62,13 @@ QByteArray tiff() {
         .bytes();
 }
 
+/// Hardly two pixels of one colour, and none of a colour like another's.
+QByteArray sixteenBitTiff() {
+    return test::TiffFixture{
+        .width = width, .height = height, .bits = 16, .profile = platform::sRgbProfileData(), .pixels = noise(6)}
+        .bytes();
+}
+
 struct Kind {
     const char* name;
     QByteArray (*file)();
@@ -81,7 +89,7 @@ protected:
     void render(const std::stop_token& stop, const RollPDFRenderer::ProgressReport& report) const {
         (void)RollPDFRenderer::render(layout_, {}, QUrl::fromLocalFile(out_),
                                       {.mode = GetParam().mode, .driverColorCorrectionDisabledConfirmed = true},
-                                      platform::sRgbProfileData(), stop, report);
+                                      test::icc::saved(test::icc::cmyk()), stop, report);
     }
 
     test::TemporaryFolder sources_;
@@ -112,6 +120,7 @@ TEST_P(StoppedRendering, endsSoonInEveryStageAndLeavesNothingBehind) {
 
 INSTANTIATE_TEST_SUITE_P(Pictures, StoppedRendering,
                          ::testing::Values(Kind{"convertedJpeg", baselineJpeg, ColorManagementMode::appManaged},
+                                           Kind{"convertedTiff", sixteenBitTiff, ColorManagementMode::appManaged},
                                            Kind{"progressiveJpeg", progressiveJpeg}, Kind{"png", png},
                                            Kind{"tiff", tiff}),
                          [](const auto& kind) { return std::string(kind.param.name); });

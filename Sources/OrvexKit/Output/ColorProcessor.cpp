@@ -1,6 +1,7 @@
 #include "Output/ColorProcessor.h"
 
 #include "Imaging/OverlappedRows.h"
+#include "Interrupted.h"
 #include "OrvexError.h"
 #include "OrvexLanguage.h"
 #include "ParallelLoop.h"
@@ -152,14 +153,20 @@ void layOnPaper(std::span<const std::byte> pixels, int components, Sample paper,
     }
 }
 
-QByteArray buffer(qint64 bytes) {
+/// What the work gives, with the words of a conversion that finds no memory.
+template <typename Work>
+auto withinMemory(const Work& work) {
     try {
-        return QByteArray(bytes, Qt::Uninitialized);
+        return work();
     } catch (const std::bad_alloc&) {
         throw OrvexError::invalid(
             spt("无法按原始位深分配颜色转换缓冲区。请检查可用内存。",
                 "Cannot allocate a color conversion buffer at the original bit depth. Check available memory."));
     }
+}
+
+QByteArray buffer(qint64 bytes) {
+    return withinMemory([bytes] { return QByteArray(bytes, Qt::Uninitialized); });
 }
 
 std::span<std::byte> writable(QByteArray& bytes) {
@@ -171,6 +178,7 @@ struct Conversion {
     Raster source;
     ColorTransform transform;
     PixelFormat format; ///< of the converted pixels
+    std::stop_token stop;
 
     [[nodiscard]] qint64 rowBytes() const { return source.storedWidth() * format.bytesPerPixel(); }
 };
@@ -183,7 +191,9 @@ public:
           sink_(sink),
           stripRows_(platform::stripRowsFor(conversion.rowBytes())),
           converted_(buffer(stripRows_ * conversion.rowBytes())),
-          opaque_(conversion.source.format().hasAlpha ? buffer(stripRows_ * opaqueRowBytes()) : QByteArray()) {}
+          opaque_(conversion.source.format().hasAlpha
+                      ? buffer(stripRows_ * conversion.source.storedWidth() * opaquePixelBytes())
+                      : QByteArray()) {}
 
     void take(const RowStrip& strip) {
         const qint64 sourceRowBytes = conversion_.source.rowBytes();
@@ -219,8 +229,8 @@ private:
 
     [[nodiscard]] qint64 nextRow() const { return firstRow_ + filledRows_; }
 
-    [[nodiscard]] qint64 opaqueRowBytes() const {
-        return conversion_.source.storedWidth() * static_cast<qint64>(conversion_.transform.sourcePixelBytes());
+    [[nodiscard]] qint64 opaquePixelBytes() const {
+        return static_cast<qint64>(conversion_.transform.sourcePixelBytes());
     }
 
     /// The pixels without alpha; where they have any, they are laid on paper in `room`.
@@ -239,23 +249,29 @@ private:
         return room;
     }
 
-    /// Converts rows behind those that are filled, in bands on as many threads as the processor has.
+    /// Converts rows behind those that are filled, in pieces on as many threads as the processor has.
     void convert(std::span<const std::byte> pixels, qint64 rowCount) {
-        constexpr qint64 bandRows = 16;
+        // The colours of a piece may all be new, which takes a thousand times as long as to know them.
+        constexpr qint64 pieceOfPixels = 2048;
+        const qint64 pixelCount = rowCount * conversion_.source.storedWidth();
         const auto target =
             writable(converted_).subspan(static_cast<std::size_t>(filledRows_ * conversion_.rowBytes()));
         const auto room = writable(opaque_);
-        platform::parallelLoop(static_cast<std::size_t>((rowCount + bandRows - 1) / bandRows), [&](std::size_t band) {
-            const qint64 first = static_cast<qint64>(band) * bandRows;
-            const qint64 count = std::min(bandRows, rowCount - first);
-            const auto ofBand = [&](auto bytes, qint64 rowBytes) {
+        const auto pieces = static_cast<std::size_t>((pixelCount + pieceOfPixels - 1) / pieceOfPixels);
+        platform::parallelLoop(pieces, [&](std::size_t piece) {
+            platform::throwIfStopped(conversion_.stop);
+            const qint64 first = static_cast<qint64>(piece) * pieceOfPixels;
+            const qint64 count = std::min(pieceOfPixels, pixelCount - first);
+            const auto ofPiece = [&](auto bytes, qint64 pixelBytes) {
                 return bytes.empty() ? bytes
-                                     : bytes.subspan(static_cast<std::size_t>(first * rowBytes),
-                                                     static_cast<std::size_t>(count * rowBytes));
+                                     : bytes.subspan(static_cast<std::size_t>(first * pixelBytes),
+                                                     static_cast<std::size_t>(count * pixelBytes));
             };
-            const auto source = opaque(ofBand(pixels, conversion_.source.rowBytes()), ofBand(room, opaqueRowBytes()));
-            require(conversion_.transform.convert(source, ofBand(target, conversion_.rowBytes()),
-                                                  static_cast<std::size_t>(count * conversion_.source.storedWidth())));
+            const auto source =
+                opaque(ofPiece(pixels, conversion_.source.format().bytesPerPixel()), ofPiece(room, opaquePixelBytes()));
+            const auto converted = ofPiece(target, conversion_.format.bytesPerPixel());
+            require(withinMemory(
+                [&] { return conversion_.transform.convert(source, converted, static_cast<std::size_t>(count)); }));
         });
         filledRows_ += rowCount;
     }
@@ -320,7 +336,7 @@ Raster apply(const Raster& image, const SourceColorProfile& sourceProfile, const
 }
 
 Raster apply(const Raster& image, const SourceColorProfile& sourceProfile, const ColorWorkflow& workflow,
-             const std::optional<QByteArray>& outputICC, LastColorTransform& last) {
+             const std::optional<QByteArray>& outputICC, LastColorTransform& last, const std::stop_token& stop) {
     if (workflow.mode != ColorManagementMode::appManaged) {
         return image;
     }
@@ -329,12 +345,13 @@ Raster apply(const Raster& image, const SourceColorProfile& sourceProfile, const
     const ParsedICC output = parseICC(*outputICC, ICCUse::output);
     requireSourceSpace(image, source);
     const int bits = workBits(image.format());
-    const ColorTransform transform = last.of(source, output, bits, workflow.intent, makeTransform);
+    const ColorTransform transform =
+        withinMemory([&] { return last.of(source, output, bits, workflow.intent, makeTransform); });
     const PixelFormat format{.model = output.model, .bitsPerComponent = bits};
     requireCountableBytes(image, format);
     return {image.storedWidth(), image.storedHeight(),
             image.orientation(), format,
-            outputICC,           std::make_shared<ConvertedRows>(Conversion{image, transform, format})};
+            outputICC,           std::make_shared<ConvertedRows>(Conversion{image, transform, format, stop})};
 }
 
 } // namespace ColorProcessor

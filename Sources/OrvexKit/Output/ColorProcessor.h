@@ -9,6 +9,7 @@
 #include <QString>
 
 #include <optional>
+#include <stop_token>
 
 namespace orvex {
 
@@ -69,10 +70,11 @@ namespace ColorProcessor {
 [[nodiscard]] platform::Raster apply(const platform::Raster& image, const SourceColorProfile& sourceProfile,
                                      const ColorWorkflow& workflow, const std::optional<QByteArray>& outputICC);
 
-/// The same, with the transform of the picture before if it serves again.
+/// The same, with the transform of the picture before if it serves again. The result's rows raise Interrupted soon
+/// after a stop is requested.
 [[nodiscard]] platform::Raster apply(const platform::Raster& image, const SourceColorProfile& sourceProfile,
                                      const ColorWorkflow& workflow, const std::optional<QByteArray>& outputICC,
-                                     LastColorTransform& last);
+                                     LastColorTransform& last, const std::stop_token& stop = {});
 
 } // namespace ColorProcessor
 

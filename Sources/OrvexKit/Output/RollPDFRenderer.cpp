@@ -186,9 +186,9 @@ qint64 Rendering::preflightArtwork(qsizetype index) {
         });
     requireDimensions(item, metadata.pixelWidth, metadata.pixelHeight);
     if (isAppManaged()) {
-        const platform::Raster trial =
-            ColorProcessor::apply(metadata.preview, metadata.sourceColorProfile, workflow_, outputICC_, lastTransform_);
-        trial.rows([this](const platform::RowStrip&) { platform::throwIfStopped(stop_); });
+        const platform::Raster trial = ColorProcessor::apply(metadata.preview, metadata.sourceColorProfile, workflow_,
+                                                             outputICC_, lastTransform_, stop_);
+        trial.rows([](const platform::RowStrip&) {});
     }
     if (FileStamp::read(item.sourceURL) != stamp) {
         throw refusal(spt("作品在导出前检查期间发生了变化：%1。请重新导入。",
@@ -242,6 +242,8 @@ platform::PdfImage Rendering::embed(const RollArtwork& item, const platform::Ras
         // A file that was whole at preflight and is damaged now has changed, and its stamp tells.
         requireStamp(item, changed);
         throw ImageMetadata::decodingError();
+    } catch (const std::bad_alloc&) {
+        throw ImageMetadata::decodingError();
     }
 }
 
@@ -256,7 +258,8 @@ Rendering::DrawnSource Rendering::drawSource(const RollArtwork& item, platform::
     const platform::Raster raster = source->full();
     requireDimensions(item, raster.width(), raster.height());
     const SourceColorProfile profile = SourceColorProfile::detect(item.sourceURL, raster);
-    const platform::Raster converted = ColorProcessor::apply(raster, profile, workflow_, outputICC_, lastTransform_);
+    const platform::Raster converted =
+        ColorProcessor::apply(raster, profile, workflow_, outputICC_, lastTransform_, stop_);
     const auto encoded = isAppManaged() ? std::nullopt : source->encodedStream();
     const platform::PdfImage image = embed(item, converted, encoded, writer, progress);
     return {.image = image,

@@ -5,6 +5,7 @@
 #include "IccFixtures.h"
 #include "Imaging/ImageError.h"
 #include "InChinese.h"
+#include "Interrupted.h"
 #include "OrvexError.h"
 #include "RasterReading.h"
 
@@ -639,6 +640,20 @@ TEST(ColorProcessor, RefusesRowsThatNoMemoryCanHold) {
     EXPECT_EQ(refusal([&converted] { (void)pixelsOf(converted); }), noBuffer);
     const Raster transparent = convert(pixelless(rgba8, qint64{1} << 58, 1), outputRgbICC());
     EXPECT_EQ(refusal([&transparent] { (void)pixelsOf(transparent); }), noBuffer);
+}
+
+TEST(ColorProcessor, StopsWithinAStrip) {
+    std::stop_source stop;
+    const QByteArray pixels = noise(300);
+    const Raster image(10, 10, 1, rgb8, rgbICC(), std::make_shared<ScriptedRows>([&](const RowSink& sink) {
+                           stop.request_stop(); // while the strip is on its way
+                           sink({0, 10, std::as_bytes(std::span(pixels))});
+                       }));
+    LastColorTransform last;
+    const Raster converted =
+        ColorProcessor::apply(image, tagged(rgbICC()), appManaged(), cmykICC(), last, stop.get_token());
+    EXPECT_THROW(converted.rows([](const RowStrip&) { ADD_FAILURE() << "rows came after the stop"; }),
+                 platform::Interrupted);
 }
 
 TEST(ColorProcessor, PassesOnWhatSourceAndSinkRaise) {
