@@ -49,15 +49,19 @@ constexpr std::array<Quarters, 8> waysToCorners{
 /// The weights of the four nodes around a colour add up to this.
 constexpr quint32 wholeWeight = 1U << 15U;
 
-/// The weighted mean of four pixels, each sample rounded to the nearest.
-ORVEX_INLINE PackedPixel weightedMean(const std::array<PackedPixel, 4>& pixels, const std::array<quint32, 4>& weights) {
+/// The samples of a pixel, each in 32 bits.
+using WideSamples = quint32 __attribute__((vector_size(16)));
+
+ORVEX_INLINE WideSamples widened(PackedPixel pixel) {
+    using Samples = quint16 __attribute__((vector_size(16)));
+    using Pixels = PackedPixel __attribute__((vector_size(16)));
+    const auto samples = std::bit_cast<Samples>(Pixels{pixel, 0});
+    return std::bit_cast<WideSamples>(__builtin_shufflevector(samples, Samples{}, 0, 8, 1, 9, 2, 10, 3, 11));
+}
+
+ORVEX_INLINE PackedPixel narrowed(WideSamples samples) {
     using Samples = quint16 __attribute__((vector_size(8)));
-    using Sums = quint32 __attribute__((vector_size(16)));
-    Sums sums = Sums{} + wholeWeight / 2;
-    for (std::size_t i = 0; i < pixels.size(); ++i) {
-        sums += __builtin_convertvector(std::bit_cast<Samples>(pixels[i]), Sums) * weights[i];
-    }
-    return std::bit_cast<PackedPixel>(__builtin_convertvector(sums / wholeWeight, Samples));
+    return std::bit_cast<PackedPixel>(__builtin_convertvector(samples, Samples));
 }
 
 constexpr std::size_t blockPixels = 256;
@@ -242,23 +246,30 @@ private:
 
     static constexpr unsigned samples = DestinationBytes / sizeof(quint16);
 
-    enum Cell : quint8 { unknown, smooth, bent };
+    enum Cell : quint8 { unknown, bent, smooth };
 
     void convertBlock(std::span<const Pixel16> pixels, std::span<std::byte> destination) const {
         Tetrahedra tetrahedra;
         Nodes::locate(pixels, tetrahedra);
-        const auto isAny = [&](Cell state) {
-            const auto& places = tetrahedra.places[0];
-            return std::any_of(places.begin(), places.begin() + std::ssize(pixels),
-                               [&](quint32 place) { return cells_.at(place) == state; });
-        };
-        if (isAny(unknown)) {
+        const auto cells = std::span(tetrahedra.places[0]).first(pixels.size());
+        quint8 least = leastOf(cells);
+        if (least == unknown) {
             learnCells(pixels);
+            least = leastOf(cells);
         }
         interpolate(tetrahedra, destination);
-        if (isAny(bent)) {
+        if (least == bent) {
             convertBent(pixels, tetrahedra, destination);
         }
+    }
+
+    /// The first of `Cell` that any of the cells at these places is.
+    [[nodiscard]] quint8 leastOf(std::span<const quint32> places) const {
+        quint8 least = smooth;
+        for (const quint32 place : places) {
+            least = std::min(least, cells_.at(place));
+        }
+        return least;
     }
 
     ORVEX_VECTOR_CLONES void interpolate(const Tetrahedra& tetrahedra, std::span<std::byte> destination) const {
@@ -268,30 +279,30 @@ private:
         }
     }
 
+    /// The weighted mean of a tetrahedron's nodes, each sample rounded to the nearest.
     [[nodiscard]] ORVEX_INLINE PackedPixel interpolated(const Tetrahedra& tetrahedra, std::size_t number) const {
-        std::array<PackedPixel, 4> colors;
-        std::array<quint32, 4> weights;
-        for (std::size_t i = 0; i < colors.size(); ++i) {
-            colors[i] = nodes_.at(tetrahedra.places[i][number]);
-            weights[i] = tetrahedra.weights[i][number];
-        }
-        return weightedMean(colors, weights);
+        const auto weighted = [&](std::size_t corner) {
+            return widened(nodes_.at(tetrahedra.places[corner][number])) * tetrahedra.weights[corner][number];
+        };
+        const WideSamples sums = weighted(0) + weighted(1) + weighted(2) + weighted(3) + wholeWeight / 2;
+        return narrowed(sums / wholeWeight);
     }
 
     /// Converts the pixels of bent cells once more.
     void convertBent(std::span<const Pixel16> pixels, const Tetrahedra& tetrahedra,
                      std::span<std::byte> destination) const {
-        std::vector<std::size_t> numbers;
-        std::vector<Pixel16> chosen;
+        std::array<std::size_t, blockPixels> numbers;
+        std::array<Pixel16, blockPixels> chosen;
+        std::size_t count = 0;
         for (std::size_t i = 0; i < pixels.size(); ++i) {
-            if (cells_.at(tetrahedra.places[0][i]) == bent) {
-                numbers.push_back(i);
-                chosen.push_back(pixels[i]);
-            }
+            numbers[count] = i;
+            chosen[count] = pixels[i];
+            count += cells_.at(tetrahedra.places[0][i]) == bent ? 1U : 0U;
         }
-        std::vector<std::byte> converted(chosen.size() * DestinationBytes);
-        forBentCells_->convert(std::as_bytes(std::span(chosen)), converted);
-        for (std::size_t i = 0; i < numbers.size(); ++i) {
+        std::array<std::byte, blockPixels * DestinationBytes> converted;
+        forBentCells_->convert(std::as_bytes(std::span(chosen).first(count)),
+                               std::span(converted).first(count * DestinationBytes));
+        for (std::size_t i = 0; i < count; ++i) {
             std::memcpy(&destination[numbers[i] * DestinationBytes], &converted[i * DestinationBytes],
                         DestinationBytes);
         }
