@@ -1,8 +1,9 @@
 """compare.py PROGRAMS PICTURES: measures our programs and their peers, and prints a table. Called by `compare`.
 
 A whole process is measured from its start to its end: wall time, the best of several runs that take turns with the
-peer's, and the largest peak of resident memory that the kernel saw. The pictures are in the page cache. fsync,
-fdatasync and sync_file_range do nothing on either side: how long a disk takes is no program's speed.
+peer's, and the largest peak of resident memory that the kernel saw. The pictures are in the page cache, and results
+are new files. fsync, fdatasync and sync_file_range do nothing on either side: how long a disk takes is no program's
+speed.
 """
 import json
 import os
@@ -14,8 +15,19 @@ from dataclasses import dataclass, field
 
 PROGRAMS, PICTURES = (os.path.abspath(folder) for folder in sys.argv[1:3])
 WORK = tempfile.mkdtemp(prefix="compare-", dir=PICTURES)
+RESULTS = os.path.join(WORK, "results")
 ORVEXCTL = os.path.join(PROGRAMS, "orvexctl")
 ROUNDS = 3
+
+
+def warm():
+    """Reads the pictures, which the system may have put out of its cache since the last run."""
+    for name in os.listdir(PICTURES):
+        path = os.path.join(PICTURES, name)
+        if os.path.isfile(path):
+            with open(path, "rb") as file:
+                while file.read(1 << 24):
+                    pass
 
 
 @dataclass
@@ -30,6 +42,9 @@ class Program:
         return shutil.which(self.command[0]) is not None
 
     def run(self):
+        shutil.rmtree(RESULTS, ignore_errors=True)
+        os.mkdir(RESULTS)
+        warm()
         report = os.path.join(WORK, "report")
         environment = dict(os.environ, LD_PRELOAD=os.path.join(PROGRAMS, "libno-sync.so"))
         done = subprocess.run([os.path.join(PROGRAMS, "measure-process"), report] + self.command, env=environment,
@@ -86,38 +101,42 @@ def scratch(name):
     return os.path.join(WORK, name)
 
 
+def result(name):
+    return os.path.join(RESULTS, name)
+
+
 def inspect(name):
     return Program("orvexctl inspect", [ORVEXCTL, "inspect", picture(name)])
 
 
 def thumbnail(name):
     # Its own uncompressed format, so that no time goes into an encoder.
-    return Program("vipsthumbnail", ["vipsthumbnail", picture(name), "--size", "2400x2400", "-o", scratch("thumbnail.v")])
+    return Program("vipsthumbnail", ["vipsthumbnail", picture(name), "--size", "2400x2400", "-o", result("thumbnail.v")])
 
 
 def render(name):
     layout = scratch(name + ".json")
     subprocess.run([ORVEXCTL, "roll", picture(name), "-o", scratch("roll.pdf"), "--layout-out", layout], check=True,
                    stdout=subprocess.DEVNULL)
-    return Program("orvexctl render", [ORVEXCTL, "render", layout, "-o", scratch("rendered.pdf")])
+    return Program("orvexctl render", [ORVEXCTL, "render", layout, "-o", result("rendered.pdf")])
 
 
 def convert(name):
     layout = scratch(name + ".json")
     subprocess.run([ORVEXCTL, "roll", picture(name), "-o", scratch("roll.pdf"), "--layout-out", layout], check=True,
                    stdout=subprocess.DEVNULL)
-    return Program("orvexctl render", [ORVEXCTL, "render", layout, "-o", scratch("rendered.pdf"), "--output-icc",
+    return Program("orvexctl render", [ORVEXCTL, "render", layout, "-o", result("rendered.pdf"), "--output-icc",
                                        picture("press.icc"), "--driver-correction-off"])
 
 
 def vips(name, compression, depth, rounds=ROUNDS):
     return Program("vips icc_transform, TIFF %s" % compression,
-                   ["vips", "icc_transform", picture(name), scratch("vips.tif[compression=%s]" % compression),
+                   ["vips", "icc_transform", picture(name), result("vips.tif[compression=%s]" % compression),
                     picture("press.icc"), "--intent", "relative", "--embedded", "--depth", str(depth)], rounds)
 
 
 def img2pdf(name):
-    return Program("img2pdf", ["img2pdf", "--pillow-limit-break", picture(name), "-o", scratch("img2pdf.pdf")])
+    return Program("img2pdf", ["img2pdf", "--pillow-limit-break", picture(name), "-o", result("img2pdf.pdf")])
 
 
 def mutool(name, rounds):
@@ -125,7 +144,7 @@ def mutool(name, rounds):
     with open(page, "w") as file:
         file.write("%%%%MediaBox 0 0 4320 2880\n%%%%Image Picture %s\nq 4320 0 0 2880 0 0 cm /Picture Do Q\n"
                    % picture(name))
-    return Program("mutool create", ["mutool", "create", "-o", scratch("mutool.pdf"), page], rounds)
+    return Program("mutool create", ["mutool", "create", "-o", result("mutool.pdf"), page], rounds)
 
 
 def tasks():
@@ -148,14 +167,6 @@ def arrange_seconds():
     return json.loads(answer.stdout)["benchmarks"][0]["real_time"] / 1000
 
 
-def warm():
-    for name in os.listdir(PICTURES):
-        if os.path.isfile(picture(name)):
-            with open(picture(name), "rb") as file:
-                while file.read(1 << 24):
-                    pass
-
-
 def print_table(rows):
     widths = [max(len(row[column]) for row in rows) for column in range(len(rows[0]))]
     for row in rows:
@@ -164,7 +175,6 @@ def print_table(rows):
 
 def main():
     try:
-        warm()
         rows = [["task", "program", "time", "memory", "ratio", "required", "met"]]
         for task in tasks():
             print("measuring: " + task.name, file=sys.stderr, flush=True)
