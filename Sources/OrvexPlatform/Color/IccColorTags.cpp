@@ -1,5 +1,7 @@
 #include "Color/IccColorTags.h"
 
+#include "Files/ByteReader.h"
+
 #include <algorithm>
 
 namespace orvex::platform {
@@ -42,6 +44,27 @@ Content contentOf(quint32 tag) {
     }
 }
 
+/// Whether the elements of a table that consists of such (ICC.1, 10.16) are no more than its bytes justify: many may
+/// share the same bytes, of which the engine makes a copy for each.
+bool isWithinBounds(ByteReader& profile, const IccTag& tag) {
+    constexpr quint64 largestShare = 4; // of the tag's own bytes
+    constexpr quint64 headBytes = 16;
+    constexpr quint64 entryBytes = 8;
+    if (profile.u32(tag.offset, ByteOrder::big) != cmsSigMultiProcessElementType) {
+        return true;
+    }
+    const quint64 count = profile.u32(tag.offset + quint64{12}, ByteOrder::big).value_or(0);
+    if (tag.size < headBytes || count > (tag.size - headBytes) / entryBytes) {
+        return false;
+    }
+    quint64 bytes = 0;
+    for (quint64 entry = tag.offset + headBytes; entry < tag.offset + headBytes + count * entryBytes;
+         entry += entryBytes) {
+        bytes += profile.u32(entry + 4, ByteOrder::big).value_or(0);
+    }
+    return bytes <= largestShare * tag.size;
+}
+
 bool leads(const cmsPipeline* table, cmsColorSpaceSignature from, cmsColorSpaceSignature to) {
     return static_cast<cmsInt32Number>(cmsPipelineInputChannels(table)) == cmsChannelsOfColorSpace(from) &&
            static_cast<cmsInt32Number>(cmsPipelineOutputChannels(table)) == cmsChannelsOfColorSpace(to);
@@ -62,10 +85,14 @@ bool isUsable(const void* read, Content content, const EngineProfile& profile) {
 
 bool canReadColorTags(const EngineContext& context, const EngineProfile& profile, const QByteArray& data,
                       const std::vector<IccTag>& tags) {
+    ByteReader reader(data);
     return std::all_of(tags.begin(), tags.end(), [&](const IccTag& tag) {
         const Content content = contentOf(tag.signature);
         if (content == Content::noColor) {
             return true;
+        }
+        if (!isWithinBounds(reader, tag)) {
+            return false;
         }
         const auto signature = static_cast<cmsTagSignature>(tag.signature);
         // The engine reads on behind a tag and keeps all that it has read, so each tag has a profile that ends with it.

@@ -133,7 +133,7 @@ std::optional<IccProfile> IccProfile::fromData(const QByteArray& data) {
     const auto tags = iccDirectory(data);
     const EngineContext context = makeEngineContext();
     const EngineProfile handle = openEngineProfile(context, data);
-    if (!tags || !handle || !canCompute(context, handle) || !canReadColorTags(context, handle, data, *tags)) {
+    if (!tags || !handle || !canReadColorTags(context, handle, data, *tags) || !canCompute(context, handle)) {
         return std::nullopt;
     }
     IccProfile profile;

@@ -57,6 +57,25 @@ protected:
     }
 };
 
+/// A profile whose table D2B0 is that of `floats` so many times over, all from the same bytes.
+QByteArray withSharedElements(quint32 count) {
+    const QByteArray& data = dataOf("floats");
+    const qsizetype table = icc::contentOf(data, "D2B0");
+    const quint32 size = icc::numberAt(data, table + 20); // by the engine's count, without type and reserved bytes
+    const QByteArray element = data.sliced(table + icc::numberAt(data, table + 16), size + 8);
+    const qsizetype headBytes = 16 + 8 * qsizetype{count};
+    QByteArray shared = icc::patched(data.sliced(table, 16).leftJustified(headBytes, '\0'), 12, count);
+    for (qsizetype entry = 16; entry < headBytes; entry += 8) {
+        shared = icc::patched(icc::patched(shared, entry, static_cast<quint32>(headBytes)), entry + 4, size);
+    }
+    shared += element;
+    QByteArray made = data + shared;
+    made = icc::patched(made, 0, static_cast<quint32>(made.size()));
+    const qsizetype entry = icc::entryOf(data, "D2B0");
+    made = icc::patched(made, entry + 4, static_cast<quint32>(data.size()));
+    return icc::patched(made, entry + 8, static_cast<quint32>(shared.size()));
+}
+
 std::string nameOf(const testing::TestParamInfo<ColorTag>& info) {
     return std::string(info.param.profile) + '_' + info.param.tag;
 }
@@ -169,6 +188,14 @@ TEST(IccColorTags, MayShareTheirBytes) {
     }
     EXPECT_TRUE(isUsable(data));
     EXPECT_FALSE(isUsable(data.replace(icc::contentOf(data, "B2A2"), 4, "XXXX")));
+}
+
+TEST(IccColorTags, MayShareElementsWithinReason) {
+    EXPECT_TRUE(isUsable(withSharedElements(1)));
+    EXPECT_TRUE(isUsable(withSharedElements(4)));
+    EXPECT_FALSE(isUsable(withSharedElements(1000)));
+    const QByteArray data = withSharedElements(1);
+    EXPECT_FALSE(isUsable(icc::patched(data, icc::contentOf(data, "D2B0") + 12, quint32{0xFFFFFFFF})));
 }
 
 TEST(IccColorTags, MayBeAbsentWhereTheStandardKnowsWhatStandsIn) {
