@@ -42,9 +42,8 @@ using Quarters = std::array<quint32, 3>;
 
 constexpr Quarters middleOfCell{2, 2, 2};
 
-/// Halfway from the middle of a cell to its corners.
-constexpr std::array<Quarters, 8> waysToCorners{
-    {{1, 1, 1}, {1, 1, 3}, {1, 3, 1}, {1, 3, 3}, {3, 1, 1}, {3, 1, 3}, {3, 3, 1}, {3, 3, 3}}};
+/// Halfway from the middle of a cell to every other of its corners.
+constexpr std::array<Quarters, 4> waysToCorners{{{1, 1, 1}, {1, 3, 3}, {3, 1, 3}, {3, 3, 1}}};
 
 /// The weights of the four nodes around a colour add up to this.
 constexpr quint32 wholeWeight = 1U << 15U;
@@ -322,8 +321,8 @@ private:
         judge(std::move(cells));
     }
 
-    /// Finds out which cells are bent: by their corners, then by their middles, and where these leave a doubt, by the
-    /// ways from there to the corners.
+    /// Finds out which cells are bent: by their corners, then by their middles, and where these leave a doubt, on the
+    /// ways from there to corners.
     void judge(std::vector<Node> cells) const {
         std::erase_if(cells,
                       [this](const Node& cell) { return settledIf(outlook(cell) == Outlook::bent, cell, bent); });

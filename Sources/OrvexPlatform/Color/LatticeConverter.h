@@ -8,7 +8,7 @@ namespace LatticeLimits {
 
 // A cell that exceeds one of them is left to a finer lattice, and one of the finest to the exact conversion.
 
-/// How far interpolation may be from the exact colour at any of the nine places where a cell is checked, of 65535.
+/// How far interpolation may be from the exact colour at any of the five places where a cell is checked, of 65535.
 inline constexpr int largestCheckedError = 160;
 
 /// How far it may be from it in the middle of a cell that needs no further checks, of 65535.
