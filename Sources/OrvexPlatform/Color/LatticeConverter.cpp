@@ -1,6 +1,8 @@
 #include "Color/LatticeConverter.h"
 
+#include "Color/ColorLattice.h"
 #include "Color/KnownColors.h"
+#include "VectorCode.h"
 
 #include <algorithm>
 #include <array>
@@ -13,20 +15,6 @@ namespace orvex::platform {
 
 namespace {
 
-// The compiler makes a second copy of such a function for processors with AVX2, and the loader takes the right one.
-#if defined(__x86_64__)
-#define ORVEX_VECTOR_CLONES [[gnu::target_clones("avx2", "default")]]
-#else
-#define ORVEX_VECTOR_CLONES
-#endif
-
-// What those functions consist of has to be part of either copy.
-#define ORVEX_INLINE [[gnu::always_inline]] inline
-
-constexpr quint32 range = 65535;
-
-using Pixel16 = std::array<quint16, 3>;
-
 /// The up to four samples of a converted pixel, 16 bits each.
 using PackedPixel = quint64;
 
@@ -34,19 +22,10 @@ int sampleOf(PackedPixel pixel, unsigned number) {
     return static_cast<int>(pixel >> (16 * number) & 0xFFFFU);
 }
 
-/// The number of a node along each axis; also the cell that begins there.
-using Node = std::array<quint32, 3>;
-
-/// A place in a cell, in quarters of the cell along each axis.
-using Quarters = std::array<quint32, 3>;
-
-constexpr Quarters middleOfCell{2, 2, 2};
+constexpr CellQuarters middleOfCell{2, 2, 2};
 
 /// Halfway from the middle of a cell to every other of its corners.
-constexpr std::array<Quarters, 4> waysToCorners{{{1, 1, 1}, {1, 3, 3}, {3, 1, 3}, {3, 3, 1}}};
-
-/// The weights of the four nodes around a colour add up to this.
-constexpr quint32 wholeWeight = 1U << 15U;
+constexpr std::array<CellQuarters, 4> waysToCorners{{{1, 1, 1}, {1, 3, 3}, {3, 1, 3}, {3, 3, 1}}};
 
 /// The samples of a pixel, each in 32 bits.
 using WideSamples = quint32 __attribute__((vector_size(16)));
@@ -62,100 +41,6 @@ ORVEX_INLINE PackedPixel narrowed(WideSamples samples) {
     using Samples = quint16 __attribute__((vector_size(8)));
     return std::bit_cast<PackedPixel>(__builtin_convertvector(samples, Samples));
 }
-
-constexpr std::size_t blockPixels = 256;
-
-/// A number for each pixel of a block.
-using BlockNumbers = std::array<quint32, blockPixels>;
-
-/// For each pixel of a block the tetrahedron of nodes that its colour lies in: their places in a table and their
-/// weights. The first node is the one that the pixel's cell begins at.
-struct Tetrahedra {
-    std::array<BlockNumbers, 4> places;
-    std::array<BlockNumbers, 4> weights;
-};
-
-/// The nodes of a lattice, `cellCount` cells along each axis, and where they stand in a table.
-template <quint32 cellCount>
-struct Lattice {
-    static_assert(range % cellCount == 0, "the ends of the range are nodes, and nodes are samples");
-
-    static constexpr quint32 spacing = range / cellCount;
-
-    // One more than there are nodes: a colour on the last node has one behind it, of no weight.
-    static constexpr quint32 axisLength = cellCount + 2;
-    static constexpr std::array<quint32, 3> strides{axisLength * axisLength, axisLength, 1};
-    static constexpr std::size_t placeCount = std::size_t{axisLength} * axisLength * axisLength;
-
-    static constexpr unsigned strideBits = 17;
-    static_assert(strides[0] < 1U << strideBits);
-
-    static quint32 placeOf(const Node& node) {
-        return node[0] * strides[0] + node[1] * strides[1] + node[2] * strides[2];
-    }
-
-    static Node cellOf(const Pixel16& pixel) { return {pixel[0] / spacing, pixel[1] / spacing, pixel[2] / spacing}; }
-
-    static Pixel16 pixelAt(const Node& node) {
-        return {static_cast<quint16>(node[0] * spacing), static_cast<quint16>(node[1] * spacing),
-                static_cast<quint16>(node[2] * spacing)};
-    }
-
-    static Pixel16 pixelIn(const Node& cell, const Quarters& place) {
-        Pixel16 pixel{};
-        for (std::size_t axis = 0; axis < pixel.size(); ++axis) {
-            pixel[axis] = static_cast<quint16>(std::min(cell[axis] * spacing + place[axis] * spacing / 4, range));
-        }
-        return pixel;
-    }
-
-    static std::array<Node, 8> cornersOf(const Node& cell) {
-        std::array<Node, 8> corners;
-        for (quint32 number = 0; number < corners.size(); ++number) {
-            corners[number] = {std::min(cell[0] + (number & 1U), cellCount),
-                               std::min(cell[1] + (number >> 1U & 1U), cellCount),
-                               std::min(cell[2] + (number >> 2U), cellCount)};
-        }
-        return corners;
-    }
-
-    /// Finds each pixel's tetrahedron: from the lowest corner of the cell to the opposite one, first along the axis on
-    /// which the colour is farthest.
-    ORVEX_VECTOR_CLONES static void locate(std::span<const Pixel16> pixels, Tetrahedra& tetrahedra) {
-        std::array<BlockNumbers, 3> axes;
-        for (std::size_t i = 0; i < pixels.size(); ++i) {
-            axes[0][i] = pixels[i][0];
-            axes[1][i] = pixels[i][1];
-            axes[2][i] = pixels[i][2];
-        }
-        auto& [lowest, second, third, fourth] = tetrahedra.places;
-        for (std::size_t i = 0; i < pixels.size(); ++i) {
-            // The part of the cell that lies before the colour, above the way to the next node: numbers to be sorted.
-            quint32 place = 0;
-            const auto stepOn = [&place](quint32 sample, quint32 stride) {
-                const quint32 scaled = sample * cellCount;
-                const quint32 node = (scaled + 1 + (scaled >> 16U)) >> 16U; // scaled / range
-                place += node * stride;
-                return (scaled - node * range + 1) / 2 << strideBits | stride; // of wholeWeight
-            };
-            const quint32 a = stepOn(axes[0][i], strides[0]);
-            const quint32 b = stepOn(axes[1][i], strides[1]);
-            const quint32 c = stepOn(axes[2][i], strides[2]);
-            const quint32 greatest = std::max(std::max(a, b), c);
-            const quint32 least = std::min(std::min(a, b), c);
-            const quint32 middle = a ^ b ^ c ^ greatest ^ least;
-            const auto strideOf = [](quint32 step) { return step & ((1U << strideBits) - 1); };
-            lowest[i] = place;
-            second[i] = place + strideOf(greatest);
-            third[i] = place + strideOf(greatest) + strideOf(middle);
-            fourth[i] = place + strides[0] + strides[1] + strides[2];
-            tetrahedra.weights[0][i] = wholeWeight - (greatest >> strideBits);
-            tetrahedra.weights[1][i] = (greatest >> strideBits) - (middle >> strideBits);
-            tetrahedra.weights[2][i] = (middle >> strideBits) - (least >> strideBits);
-            tetrahedra.weights[3][i] = least >> strideBits;
-        }
-    }
-};
 
 /// How far two pixels are apart in the sample in which they differ most.
 int largestDifference(PackedPixel first, PackedPixel second, unsigned samples) {
@@ -174,7 +59,7 @@ enum class Outlook {
 };
 
 Outlook outlookOf(const std::array<PackedPixel, 8>& corners, unsigned samples, quint32 spacing) {
-    constexpr int highest = range;
+    constexpr int highest = 65535;
     const int largestChange = static_cast<int>(spacing) * LatticeLimits::largestChangePerStep;
     Outlook outlook = Outlook::even;
     for (unsigned number = 0; number < samples; ++number) {
@@ -309,9 +194,9 @@ private:
 
     /// Sees to it that the pixels' cells are known, and before them all their corners.
     void learnCells(std::span<const Pixel16> pixels) const {
-        std::vector<Node> cells;
+        std::vector<LatticeNode> cells;
         for (const Pixel16& pixel : pixels) {
-            const Node cell = Nodes::cellOf(pixel);
+            const LatticeNode cell = Nodes::cellOf(pixel);
             if (cells_.at(Nodes::placeOf(cell)) == unknown) {
                 cells.push_back(cell);
             }
@@ -323,11 +208,11 @@ private:
 
     /// Finds out which cells are bent: by their corners, then by their middles, and where these leave a doubt, on the
     /// ways from there to corners.
-    void judge(std::vector<Node> cells) const {
-        std::erase_if(cells,
-                      [this](const Node& cell) { return settledIf(outlook(cell) == Outlook::bent, cell, bent); });
+    void judge(std::vector<LatticeNode> cells) const {
+        std::erase_if(
+            cells, [this](const LatticeNode& cell) { return settledIf(outlook(cell) == Outlook::bent, cell, bent); });
         const std::vector<int> middles = largestErrors(cells, std::span(&middleOfCell, 1));
-        std::vector<Node> doubtful;
+        std::vector<LatticeNode> doubtful;
         for (std::size_t i = 0; i < cells.size(); ++i) {
             const bool isStraight =
                 middles[i] <= LatticeLimits::largestStraightError && outlook(cells[i]) == Outlook::even;
@@ -342,30 +227,30 @@ private:
         }
     }
 
-    void settle(const Node& cell, Cell state) const { cells_.learn(Nodes::placeOf(cell), state); }
+    void settle(const LatticeNode& cell, Cell state) const { cells_.learn(Nodes::placeOf(cell), state); }
 
     /// The condition itself.
-    bool settledIf(bool condition, const Node& cell, Cell state) const {
+    bool settledIf(bool condition, const LatticeNode& cell, Cell state) const {
         if (condition) {
             settle(cell, state);
         }
         return condition;
     }
 
-    [[nodiscard]] Outlook outlook(const Node& cell) const {
+    [[nodiscard]] Outlook outlook(const LatticeNode& cell) const {
         std::array<PackedPixel, 8> colors;
         std::ranges::transform(Nodes::cornersOf(cell), colors.begin(),
-                               [this](const Node& corner) { return nodes_.at(Nodes::placeOf(corner)); });
+                               [this](const LatticeNode& corner) { return nodes_.at(Nodes::placeOf(corner)); });
         return outlookOf(colors, samples, Nodes::spacing);
     }
 
     /// How far interpolation is from the exact colours in each cell: the most at any of these places and in any sample.
-    [[nodiscard]] std::vector<int> largestErrors(const std::vector<Node>& cells,
-                                                 std::span<const Quarters> places) const {
+    [[nodiscard]] std::vector<int> largestErrors(const std::vector<LatticeNode>& cells,
+                                                 std::span<const CellQuarters> places) const {
         std::vector<Pixel16> pixels;
-        for (const Node& cell : cells) {
+        for (const LatticeNode& cell : cells) {
             std::ranges::transform(places, std::back_inserter(pixels),
-                                   [&](const Quarters& place) { return Nodes::pixelIn(cell, place); });
+                                   [&](const CellQuarters& place) { return Nodes::pixelIn(cell, place); });
         }
         const std::vector<PackedPixel> exact = exactColors_(pixels);
         std::vector<int> errors(cells.size());
@@ -378,12 +263,12 @@ private:
         return errors;
     }
 
-    void learnCorners(const std::vector<Node>& cells) const {
-        std::vector<Node> unknownNodes;
-        for (const Node& cell : cells) {
+    void learnCorners(const std::vector<LatticeNode>& cells) const {
+        std::vector<LatticeNode> unknownNodes;
+        for (const LatticeNode& cell : cells) {
             // A colour that is zero in all samples is taken for unknown, and computed for each cell around it.
             std::ranges::copy_if(Nodes::cornersOf(cell), std::back_inserter(unknownNodes),
-                                 [this](const Node& corner) { return nodes_.at(Nodes::placeOf(corner)) == 0; });
+                                 [this](const LatticeNode& corner) { return nodes_.at(Nodes::placeOf(corner)) == 0; });
         }
         unknownNodes = distinct(std::move(unknownNodes));
         std::vector<Pixel16> pixels;
@@ -394,7 +279,7 @@ private:
         }
     }
 
-    static std::vector<Node> distinct(std::vector<Node> nodes) {
+    static std::vector<LatticeNode> distinct(std::vector<LatticeNode> nodes) {
         std::sort(nodes.begin(), nodes.end());
         nodes.erase(std::unique(nodes.begin(), nodes.end()), nodes.end());
         return nodes;
