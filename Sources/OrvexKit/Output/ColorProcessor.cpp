@@ -342,7 +342,7 @@ Raster apply(const Raster& image, const SourceColorProfile& sourceProfile, const
     }
     requireChoices(sourceProfile, workflow, outputICC);
     const ParsedICC source = parseICC(*sourceProfile.embeddedICCData, ICCUse::source);
-    const ParsedICC output = parseICC(*outputICC, ICCUse::output);
+    const ParsedICC output = last.output(*outputICC, parseICC);
     requireSourceSpace(image, source);
     const int bits = workBits(image.format());
     const ColorTransform transform =

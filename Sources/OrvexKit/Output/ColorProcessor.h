@@ -23,10 +23,19 @@ struct ParsedICC {
     QString profileClass;
 };
 
-/// The last conversion that was made, kept for the next picture: what it has computed of the colours of two profiles
-/// serves every picture with these profiles. One thread.
+/// The last conversion that was made, kept for the next picture: what it has read of a profile and computed of the
+/// colours of two serves every picture with these profiles. One thread.
 class LastColorTransform {
 public:
+    /// The output profile of these bytes: the kept one, else one read by `parse` and kept.
+    template <typename Parse>
+    const ParsedICC& output(const QByteArray& data, const Parse& parse) {
+        if (!output_ || output_->profile.data() != data) {
+            output_ = parse(data, ICCUse::output);
+        }
+        return *output_;
+    }
+
     /// The transform between two profiles: the kept one if it was made for the same, else one made by `make` and kept.
     template <typename Make>
     platform::ColorTransform of(const ParsedICC& source, const ParsedICC& output, int bits, ColorRenderingIntent intent,
@@ -49,6 +58,7 @@ private:
         bool operator==(const Key&) const = default;
     };
 
+    std::optional<ParsedICC> output_;
     Key key_;
     std::optional<platform::ColorTransform> transform_;
 };

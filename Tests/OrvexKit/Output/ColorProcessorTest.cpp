@@ -642,6 +642,23 @@ TEST(ColorProcessor, RefusesRowsThatNoMemoryCanHold) {
     EXPECT_EQ(refusal([&transparent] { (void)pixelsOf(transparent); }), noBuffer);
 }
 
+TEST(LastColorTransform, ReadsAnOutputProfileOnceUntilThereIsAnother) {
+    LastColorTransform last;
+    int readings = 0;
+    const auto parse = [&readings](const QByteArray& data, ICCUse use) {
+        ++readings;
+        return ColorProcessor::parseICC(data, use);
+    };
+    EXPECT_EQ(last.output(cmykICC(), parse).model, ColorModel::cmyk);
+    EXPECT_EQ(last.output(cmykICC(), parse).model, ColorModel::cmyk);
+    EXPECT_EQ(readings, 1);
+    EXPECT_EQ(last.output(outputRgbICC(), parse).model, ColorModel::rgb);
+    EXPECT_EQ(readings, 2);
+    EXPECT_EQ(refusal([&] { (void)last.output(grayICC(), parse); }), parseRefusal(grayICC(), ICCUse::output));
+    EXPECT_EQ(last.output(outputRgbICC(), parse).model, ColorModel::rgb);
+    EXPECT_EQ(readings, 3);
+}
+
 TEST(ColorProcessor, StopsWithinAStrip) {
     std::stop_source stop;
     const QByteArray pixels = noise(300);
