@@ -17,9 +17,9 @@ using Bytes = std::vector<std::byte>;
 void mix(std::span<const std::byte> source, std::span<std::byte> destination, std::size_t sourceBytes,
          std::size_t destinationBytes) {
     for (std::size_t pixel = 0; pixel < source.size() / sourceBytes; ++pixel) {
-        unsigned value = 17;
+        quint64 value = 17;
         for (std::size_t i = 0; i < sourceBytes; ++i) {
-            value = value * 31 + std::to_integer<unsigned>(source[pixel * sourceBytes + i]);
+            value = value * 31 + std::to_integer<quint64>(source[pixel * sourceBytes + i]);
         }
         for (std::size_t i = 0; i < destinationBytes; ++i) {
             destination[pixel * destinationBytes + i] = static_cast<std::byte>(value >> (8 * i) & 0xFFU);
