@@ -45,16 +45,17 @@ Content contentOf(quint32 tag) {
 }
 
 /// Whether the elements of a table that consists of such (ICC.1, 10.16) are no more than its bytes justify: many may
-/// share the same bytes, of which the engine makes a copy for each.
+/// share the same bytes, of which the engine makes a copy for each, however few it is told that they are.
 bool isWithinBounds(ByteReader& profile, const IccTag& tag) {
-    constexpr quint64 largestShare = 4; // of the tag's own bytes
+    constexpr quint64 largestShare = 4;  // of the tag's own bytes
+    constexpr quint64 largestCount = 32; // curves, matrices and grids in turn are fewer than ten
     constexpr quint64 headBytes = 16;
     constexpr quint64 entryBytes = 8;
     if (profile.u32(tag.offset, ByteOrder::big) != cmsSigMultiProcessElementType) {
         return true;
     }
     const quint64 count = profile.u32(tag.offset + quint64{12}, ByteOrder::big).value_or(0);
-    if (tag.size < headBytes || count > (tag.size - headBytes) / entryBytes) {
+    if (count > largestCount || tag.size < headBytes || count > (tag.size - headBytes) / entryBytes) {
         return false;
     }
     quint64 bytes = 0;

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <optional>
 #include <ostream>
 
 namespace orvex::platform {
@@ -57,8 +58,9 @@ protected:
     }
 };
 
-/// A profile whose table D2B0 is that of `floats` so many times over, all from the same bytes.
-QByteArray withSharedElements(quint32 count) {
+/// A profile whose table D2B0 is that of `floats` so many times over, all from the same bytes, and states `statedSize`
+/// as the size of each, or what is true.
+QByteArray withSharedElements(quint32 count, std::optional<quint32> statedSize = std::nullopt) {
     const QByteArray& data = dataOf("floats");
     const qsizetype table = icc::contentOf(data, "D2B0");
     const quint32 size = icc::numberAt(data, table + 20); // by the engine's count, without type and reserved bytes
@@ -66,7 +68,8 @@ QByteArray withSharedElements(quint32 count) {
     const qsizetype headBytes = 16 + 8 * qsizetype{count};
     QByteArray shared = icc::patched(data.sliced(table, 16).leftJustified(headBytes, '\0'), 12, count);
     for (qsizetype entry = 16; entry < headBytes; entry += 8) {
-        shared = icc::patched(icc::patched(shared, entry, static_cast<quint32>(headBytes)), entry + 4, size);
+        shared = icc::patched(icc::patched(shared, entry, static_cast<quint32>(headBytes)), entry + 4,
+                              statedSize.value_or(size));
     }
     shared += element;
     QByteArray made = data + shared;
@@ -194,6 +197,9 @@ TEST(IccColorTags, MayShareElementsWithinReason) {
     EXPECT_TRUE(isUsable(withSharedElements(1)));
     EXPECT_TRUE(isUsable(withSharedElements(4)));
     EXPECT_FALSE(isUsable(withSharedElements(1000)));
+    EXPECT_TRUE(isUsable(withSharedElements(32, 0)));
+    EXPECT_FALSE(isUsable(withSharedElements(33, 0)));
+    EXPECT_FALSE(isUsable(withSharedElements(1000, 0)));
     const QByteArray data = withSharedElements(1);
     EXPECT_FALSE(isUsable(icc::patched(data, icc::contentOf(data, "D2B0") + 12, quint32{0xFFFFFFFF})));
 }
