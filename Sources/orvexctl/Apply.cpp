@@ -29,7 +29,8 @@ QJsonObject wrongUsage(const QJsonValue& id, const QString& message) {
 
 ApplyOperation operationNamed(const platform::JsonReader& name) {
     const QString text = name.text();
-    for (const ApplyOperations* operations : {&layoutOperations(), &pageOperations(), &languageOperations()}) {
+    for (const ApplyOperations* operations :
+         {&layoutOperations(), &pageOperations(), &languageOperations(), &printerOperations()}) {
         if (const auto found = operations->find(text); found != operations->end()) {
             return found->second;
         }

@@ -7,26 +7,17 @@ namespace orvex {
 
 namespace {
 
-QStringList texts(const platform::JsonReader& json) {
-    QStringList list;
-    const qsizetype count = json.count();
-    for (qsizetype index = 0; index < count; ++index) {
-        list.append(json.element(index).text());
-    }
-    return list;
-}
-
 ApplyAnswer resolveLanguage(const ApplyRequest& request) {
     const auto configured = request.args.find("configured");
     const OrvexLanguage language = OrvexLanguage::resolve(configured ? std::optional(configured->text()) : std::nullopt,
-                                                          texts(request.args.at("preferredLanguages")));
+                                                          request.args.at("preferredLanguages").texts());
     return {.layout = std::nullopt,
             .result = language == OrvexLanguage::simplifiedChinese ? QStringLiteral("simplifiedChinese")
                                                                    : QStringLiteral("english")};
 }
 
 ApplyAnswer qaWorkspace(const ApplyRequest& request) {
-    const auto directory = OrvexQAWorkspace::directory(texts(request.args.at("arguments")));
+    const auto directory = OrvexQAWorkspace::directory(request.args.at("arguments").texts());
     return {.layout = std::nullopt,
             .result = answerText(directory ? std::optional(directory->toLocalFile()) : std::nullopt)};
 }

@@ -33,6 +33,7 @@ using ApplyOperations = std::map<QString, ApplyOperation>;
 [[nodiscard]] const ApplyOperations& layoutOperations();
 [[nodiscard]] const ApplyOperations& pageOperations();
 [[nodiscard]] const ApplyOperations& languageOperations();
+[[nodiscard]] const ApplyOperations& printerOperations();
 
 /// A number for an answer, as a text where JSON lacks it.
 [[nodiscard]] QJsonValue answerNumber(double number);

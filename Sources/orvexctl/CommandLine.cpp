@@ -55,6 +55,9 @@ void addCommands(CLI::App& app, CommandContext& context) {
     addCheckCommand(app, context);
     addUserUnitCommand(app, context);
     addPreviewCommand(app, context);
+    addPrintersCommand(app, context);
+    addTelemetryCommand(app, context);
+    addFingerprintCommand(app, context);
     addApplyCommand(app, context);
 }
 

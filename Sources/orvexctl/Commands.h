@@ -23,6 +23,9 @@ void addRenderCommand(CLI::App& app, CommandContext& context);
 void addCheckCommand(CLI::App& app, CommandContext& context);
 void addUserUnitCommand(CLI::App& app, CommandContext& context);
 void addPreviewCommand(CLI::App& app, CommandContext& context);
+void addPrintersCommand(CLI::App& app, CommandContext& context);
+void addTelemetryCommand(CLI::App& app, CommandContext& context);
+void addFingerprintCommand(CLI::App& app, CommandContext& context);
 void addApplyCommand(CLI::App& app, CommandContext& context);
 
 } // namespace orvex

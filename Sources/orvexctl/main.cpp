@@ -28,6 +28,7 @@ int main(int argc, char** argv) {
     orvex::Interruption::blockSignals();
     std::signal(SIGPIPE, SIG_IGN); // a closed pipe is a failed write, like any other
     std::signal(SIGXFSZ, SIG_IGN); // and so is a file that may grow no further
+    std::signal(SIGCHLD, SIG_DFL); // a caller that ignores it would take the tools' exit statuses away
 
     const QCoreApplication application(argc, argv);
     std::setlocale(LC_NUMERIC, "C"); // numbers on the command line have a point in every locale

@@ -6,6 +6,7 @@
 #include "Layout/RollLayout.h"
 #include "OrvexError.h"
 #include "OrvexLanguage.h"
+#include "Text.h"
 
 #include <QSet>
 
@@ -24,26 +25,8 @@ bool areDistinct(const QList<QUuid>& ids) {
 
 // The parser
 
-bool isNewline(QChar character) {
-    return QStringView(u"\n\v\f\r\u0085\u2028\u2029").contains(character);
-}
-
-/// The pieces between characters of a kind, without empty ones.
-template <typename IsSeparator>
-QStringList pieces(const QString& text, IsSeparator isSeparator) {
-    QStringList result;
-    for (auto begin = text.cbegin(); begin != text.cend();) {
-        const auto end = std::find_if(begin, text.cend(), isSeparator);
-        if (begin != end) {
-            result.append(QString(begin, end - begin));
-        }
-        begin = end == text.cend() ? end : end + 1;
-    }
-    return result;
-}
-
-QStringList filledLines(const QString& text) {
-    QStringList lines = pieces(text, isNewline);
+QStringList linesWithText(const QString& text) {
+    QStringList lines = platform::filledLines(text);
     lines.removeIf([](const QString& line) { return line.trimmed().isEmpty(); });
     return lines;
 }
@@ -56,7 +39,7 @@ std::optional<double> length(const QString& text) {
 
 BatchArtworkSizeRequest request(const QUuid& id, const QString& line, qsizetype lineNumber) {
     const QStringList numbers =
-        pieces(line, [](QChar each) { return each.isSpace() || QStringView(u"×xX").contains(each); });
+        platform::pieces(line, [](QChar each) { return each.isSpace() || QStringView(u"×xX").contains(each); });
     const auto width = numbers.size() == 2 ? length(numbers[0]) : std::nullopt;
     const auto height = numbers.size() == 2 ? length(numbers[1]) : std::nullopt;
     if (!width || !height) {
@@ -203,7 +186,7 @@ QList<BatchArtworkSizeRequest> BatchArtworkSizeParser::requests(const QString& f
         throw OrvexError::invalid(spt("作品列表中有重复的 ID。请重新打开尺寸列表。",
                                       "The artwork list contains duplicate IDs. Reopen the size list."));
     }
-    const QStringList lines = filledLines(from);
+    const QStringList lines = linesWithText(from);
     if (lines.size() != artworkIDs.size()) {
         throw OrvexError::invalid(spt("请按列表顺序为每件作品输入一行宽 × 高：需要 %1 行，实际提供了 %2 行。",
                                       "Enter one width × height pair per artwork in list order: %1 lines are required; "

@@ -3,6 +3,8 @@
 #include "Files/FileSystemError.h"
 #include "Files/Paths.h"
 
+#include <QFile>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -28,8 +30,13 @@ struct stat factsOf(const FileDescriptor& file, const QString& path) {
 } // namespace
 
 FileDescriptor openRegularFile(const QString& path, int flags) {
+    return openRegularFile(nativePath(path), flags);
+}
+
+FileDescriptor openRegularFile(const QByteArray& nativePath, int flags) {
+    const QString path = QFile::decodeName(nativePath);
     // O_NONBLOCK keeps a FIFO from blocking here; it means nothing for a regular file.
-    FileDescriptor file(::open(nativePath(path).constData(), flags | O_CLOEXEC | O_NONBLOCK));
+    FileDescriptor file(::open(nativePath.constData(), flags | O_CLOEXEC | O_NONBLOCK));
     if (!file.isOpen()) {
         throw FileSystemError::last(path);
     }

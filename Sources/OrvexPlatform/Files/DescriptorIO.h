@@ -17,6 +17,9 @@ namespace orvex::platform {
 /// for.
 [[nodiscard]] FileDescriptor openRegularFile(const QString& path, int flags);
 
+/// The same for the bytes of a path, which need be no text.
+[[nodiscard]] FileDescriptor openRegularFile(const QByteArray& nativePath, int flags);
+
 [[nodiscard]] qint64 sizeBytes(const FileDescriptor& file, const QString& path);
 
 /// Reads from `offset` into `buffer`; the count is short only at the end of the file.

@@ -150,6 +150,15 @@ JsonReader JsonReader::element(qsizetype index) const {
     return {value_.toArray().at(index), keyPath_ + QStringLiteral("[%1]").arg(index), numbers_};
 }
 
+QStringList JsonReader::texts() const {
+    QStringList texts;
+    const qsizetype size = count();
+    for (qsizetype index = 0; index < size; ++index) {
+        texts.append(element(index).text());
+    }
+    return texts;
+}
+
 QList<std::pair<QString, JsonReader>> JsonReader::members() const {
     require(QJsonValue::Object, "对象", "an object");
     const QJsonObject object = value_.toObject();

@@ -5,6 +5,7 @@
 #include <QByteArrayView>
 #include <QJsonValue>
 #include <QList>
+#include <QStringList>
 #include <QUrl>
 #include <QUuid>
 
@@ -47,6 +48,9 @@ public:
     /// bare numbers would take a hundred times its size.
     [[nodiscard]] qsizetype count() const;
     [[nodiscard]] JsonReader element(qsizetype index) const;
+
+    /// An array of nothing but texts.
+    [[nodiscard]] QStringList texts() const;
 
     /// The members of an object, sorted by key.
     [[nodiscard]] QList<std::pair<QString, JsonReader>> members() const;

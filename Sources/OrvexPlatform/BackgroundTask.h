@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QFuture>
+#include <QPromise>
+#include <QThreadPool>
+
+#include <exception>
+#include <memory>
+#include <type_traits>
+#include <utility>
+
+namespace orvex::platform {
+
+/// The threads for work of low priority that may sit in a wait, such as that for a child process: never fewer than
+/// four, so that a fresh reading does not queue behind a long pass. Any thread.
+[[nodiscard]] QThreadPool& utilityPool();
+
+/// Starts `work` on the utility pool. The future gives what it returns, or raises what it raised, with its type: an
+/// exception that crosses QtConcurrent::run would lose it. Any thread.
+template <typename Work>
+[[nodiscard]] auto startUtilityTask(Work work) -> QFuture<std::invoke_result_t<Work>> {
+    using Result = std::invoke_result_t<Work>;
+    const auto promise = std::make_shared<QPromise<Result>>(); // a task of the pool has to be copyable
+    QFuture<Result> future = promise->future();
+    promise->start();
+    utilityPool().start([promise, work = std::move(work)] {
+        try {
+            promise->addResult(work());
+        } catch (...) {
+            promise->setException(std::current_exception());
+        }
+        promise->finish();
+    });
+    return future;
+}
+
+} // namespace orvex::platform

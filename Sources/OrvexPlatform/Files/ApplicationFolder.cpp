@@ -1,0 +1,46 @@
+#include "Files/ApplicationFolder.h"
+
+#include "Files/FileSystemError.h"
+#include "Files/Paths.h"
+
+#include <QFileInfo>
+#include <QStandardPaths>
+
+#include <sys/stat.h>
+
+#include <cerrno>
+
+namespace orvex::platform {
+
+namespace {
+
+constexpr mode_t ownerOnly = 0700; // what the XDG Base Directory Specification asks for
+
+/// The errno value, 0 for success.
+int makeOneFolder(const QString& path) {
+    return ::mkdir(nativePath(path).constData(), ownerOnly) == 0 ? 0 : errno;
+}
+
+} // namespace
+
+QString applicationFolder() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/ORVEX");
+}
+
+void makeFolder(const QString& path) {
+    const auto isThere = [&path] { return QFileInfo(path).isDir(); };
+    if (isThere()) {
+        return;
+    }
+    int code = makeOneFolder(path);
+    if (code == ENOENT) {
+        makeFolder(QFileInfo(path).path());
+        code = makeOneFolder(path);
+    }
+    // Another process may have been faster.
+    if (code != 0 && !(code == EEXIST && isThere())) {
+        throw FileSystemError(code == EEXIST ? ENOTDIR : code, path);
+    }
+}
+
+} // namespace orvex::platform

@@ -1,0 +1,46 @@
+#include "Text.h"
+
+#include <QTextBoundaryFinder>
+
+namespace orvex::platform {
+
+namespace {
+
+/// A code unit of UTF-16, so that surrogates come last, as the scalars that they stand for do.
+char16_t scalarRank(QChar unit) {
+    constexpr char16_t firstSurrogate = 0xD800;
+    constexpr char16_t behindSurrogates = 0xE000;
+    const char16_t value = unit.unicode();
+    if (value < firstSurrogate) {
+        return value;
+    }
+    constexpr int surrogates = behindSurrogates - firstSurrogate;
+    return static_cast<char16_t>(value < behindSurrogates ? value + (0x10000 - behindSurrogates) : value - surrogates);
+}
+
+} // namespace
+
+bool ScalarOrder::operator()(const QString& first, const QString& second) const {
+    return std::ranges::lexicographical_compare(first, second, {}, scalarRank, scalarRank);
+}
+
+QStringList filledLines(QStringView text) {
+    return pieces(text, isNewline);
+}
+
+QStringList words(QStringView text) {
+    return pieces(text, [](QChar character) { return character.isSpace(); });
+}
+
+QString firstCharacters(const QString& text, qsizetype count) {
+    if (text.size() <= count) {
+        return text; // no character takes less than one code unit
+    }
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
+    for (qsizetype found = 0; found < count && finder.position() < text.size(); ++found) {
+        finder.toNextBoundary();
+    }
+    return text.first(finder.position());
+}
+
+} // namespace orvex::platform

@@ -1,0 +1,141 @@
+#include "ProtectedSettingsBaseline.h"
+
+#include "Files/ApplicationFolder.h"
+#include "Files/FileReplacer.h"
+#include "Files/FileSystemError.h"
+#include "Files/Paths.h"
+#include "Files/RandomAccessFile.h"
+#include "Json/JsonWriter.h"
+#include "OrvexLanguage.h"
+
+#include <QSet>
+
+#include <algorithm>
+#include <cmath>
+
+namespace orvex {
+
+namespace {
+
+using Status = ProtectedSettingsFileStatus;
+
+InvalidBaselineError invalidBaseline() {
+    return {};
+}
+
+void require(bool condition) {
+    if (!condition) {
+        throw invalidBaseline();
+    }
+}
+
+QStringList pathsOf(const QList<ProtectedSettingsFile>& files) {
+    QStringList paths;
+    for (const ProtectedSettingsFile& file : files) {
+        paths.append(file.path);
+    }
+    return paths;
+}
+
+bool areDistinct(const QStringList& texts) {
+    return QSet<QString>(texts.begin(), texts.end()).size() == texts.size();
+}
+
+bool isAbsolute(const QString& path) {
+    return path.startsWith(u'/');
+}
+
+/// Whether a path is one of the roots, or below one. Each folder above it is looked up: there may be many roots.
+bool liesUnder(const QSet<QString>& roots, const QString& path) {
+    if (roots.contains(path) || roots.contains(QStringLiteral("/"))) {
+        return true;
+    }
+    for (qsizetype slash = path.lastIndexOf(u'/'); slash > 0; slash = path.lastIndexOf(u'/', slash - 1)) {
+        if (roots.contains(path.first(slash))) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool isFingerprint(const std::optional<QString>& text) {
+    constexpr qsizetype digits = 64;
+    const auto isDigit = [](QChar digit) {
+        return (digit >= u'0' && digit <= u'9') || (digit >= u'a' && digit <= u'f');
+    };
+    return text && text->size() == digits && std::ranges::all_of(*text, isDigit);
+}
+
+bool hasFingerprintIfNeeded(const ProtectedSettingsFile& file) {
+    const bool isNeeded = file.status == Status::regularFile || file.status == Status::symbolicLink;
+    return !isNeeded || isFingerprint(file.sha256);
+}
+
+std::optional<QByteArray> contentIfThere(const QString& path) {
+    try {
+        return platform::readWholeFile(path, ProtectedSettingsBaseline::largestBytes);
+    } catch (const platform::FileSystemError& error) {
+        if (error.isMissing()) {
+            return std::nullopt;
+        }
+        throw;
+    }
+}
+
+} // namespace
+
+InvalidBaselineError::InvalidBaselineError()
+    : Failure(spt("设置基线无效，或其版本不受支持。原文件已保留。",
+                  "The settings protection baseline is invalid or its version is unsupported. The original file was "
+                  "kept.")) {}
+
+void ProtectedSettingsBaseline::validate(const ProtectedSettingsSnapshot& snapshot) {
+    const QStringList paths = pathsOf(snapshot.files);
+    const QSet<QString> pathSet(paths.begin(), paths.end());
+    const QSet<QString> roots(snapshot.rootPaths.begin(), snapshot.rootPaths.end());
+    require(snapshot.schemaVersion == ProtectedSettingsSnapshot::currentSchemaVersion);
+    require(std::isfinite(snapshot.timestamp.secondsSince2001));
+    require(areDistinct(paths) && areDistinct(snapshot.rootPaths));
+    require(std::ranges::all_of(snapshot.rootPaths, isAbsolute));
+    require(
+        std::ranges::all_of(paths, [&](const QString& path) { return isAbsolute(path) && liesUnder(roots, path); }));
+    require(std::ranges::all_of(snapshot.files, hasFingerprintIfNeeded));
+    require(pathSet.contains(roots));
+}
+
+ProtectedSettingsSnapshot ProtectedSettingsBaseline::decode(QByteArrayView json) {
+    const auto snapshot = ProtectedSettingsSnapshot::fromJson(platform::JsonReader::parse(json));
+    validate(snapshot);
+    return snapshot;
+}
+
+std::optional<ProtectedSettingsSnapshot> ProtectedSettingsBaseline::load(const QString& path) {
+    const auto content = contentIfThere(path);
+    return content ? std::optional(decode(*content)) : std::nullopt;
+}
+
+void ProtectedSettingsBaseline::save(const ProtectedSettingsSnapshot& snapshot, const QString& path) {
+    static_cast<void>(load(path)); // one that cannot be understood is not replaced
+    validate(snapshot);
+    platform::FileReplacer::replace(path, platform::writeJson(snapshot.toJson(), platform::JsonForm::pretty));
+}
+
+ProtectedSettingsBaselineStore::ProtectedSettingsBaselineStore(const std::optional<QUrl>& directory)
+    : directory_(directory.value_or(QUrl::fromLocalFile(platform::applicationFolder()))) {
+    platform::makeFolder(platform::localPath(directory_));
+}
+
+QUrl ProtectedSettingsBaselineStore::fileURL() const {
+    return QUrl::fromLocalFile(platform::localPath(directory_) +
+                               QStringLiteral("/settings-preservation-baseline.json"));
+}
+
+std::optional<ProtectedSettingsSnapshot> ProtectedSettingsBaselineStore::load() const {
+    return ProtectedSettingsBaseline::load(platform::localPath(fileURL()));
+}
+
+void ProtectedSettingsBaselineStore::save(const ProtectedSettingsSnapshot& snapshot) const {
+    ProtectedSettingsBaseline::save(snapshot, platform::localPath(fileURL()));
+}
+
+} // namespace orvex

@@ -1,0 +1,102 @@
+#include "CommandFiles.h"
+#include "CommandText.h"
+#include "Commands.h"
+#include "Files/FileSystemError.h"
+#include "Files/Paths.h"
+#include "OrvexLanguage.h"
+#include "ProtectedSettingsBaseline.h"
+#include "SettingsPreservationService.h"
+
+#include <QJsonObject>
+
+#include <cerrno>
+
+namespace orvex {
+
+namespace {
+
+struct FingerprintOptions {
+    std::vector<std::string> paths;
+    std::string baseline;
+    bool isSaving = false;
+};
+
+QList<QUrl> locations(const std::vector<std::string>& paths) {
+    QList<QUrl> locations;
+    for (const std::string& path : paths) {
+        locations.append(platform::fileUrl(argumentText(path)));
+    }
+    return locations;
+}
+
+QList<QUrl> rootsOf(const ProtectedSettingsSnapshot& baseline) {
+    QList<QUrl> roots;
+    for (const QString& path : baseline.rootPaths) {
+        roots.append(QUrl::fromLocalFile(path));
+    }
+    return roots;
+}
+
+ProtectedSettingsSnapshot existingBaseline(const QString& path) {
+    if (isStandardStream(path)) {
+        return ProtectedSettingsBaseline::decode(readInput(path, ProtectedSettingsBaseline::largestBytes));
+    }
+    const auto baseline = ProtectedSettingsBaseline::load(path);
+    if (!baseline) {
+        throw platform::FileSystemError(ENOENT, path);
+    }
+    return *baseline;
+}
+
+/// What is there now, looked at where the baseline looked.
+void compareWithBaseline(const QString& path, const CommandContext& context) {
+    const ProtectedSettingsSnapshot baseline = existingBaseline(path);
+    const auto current = SettingsPreservationService::capture(rootsOf(baseline), context.stop);
+    printResult(SettingsPreservationService::compare(baseline, current).toJson());
+}
+
+void runFingerprint(const FingerprintOptions& options, const CommandContext& context) {
+    const QString baseline = argumentText(options.baseline);
+    if (options.paths.empty()) {
+        compareWithBaseline(baseline, context);
+        return;
+    }
+    const auto snapshot = SettingsPreservationService::capture(locations(options.paths), context.stop);
+    if (options.isSaving) {
+        ProtectedSettingsBaseline::save(snapshot, baseline);
+    }
+    printResult(snapshot.toJson());
+}
+
+/// One of the three forms: PATH..., --baseline FILE --save PATH..., --baseline FILE.
+void requireOneForm(const FingerprintOptions& options) {
+    const bool hasBaseline = !options.baseline.empty();
+    const bool hasPaths = !options.paths.empty();
+    const bool isStream = isStandardStream(argumentText(options.baseline)); // it can be compared with, not replaced
+    const bool isCapture = hasPaths && hasBaseline == options.isSaving && !isStream;
+    const bool isComparison = !hasPaths && hasBaseline && !options.isSaving;
+    if (!isCapture && !isComparison) {
+        throw CLI::ValidationError("fingerprint", "PATH... | --baseline FILE --save PATH... | --baseline FILE");
+    }
+}
+
+} // namespace
+
+void addFingerprintCommand(CLI::App& app, CommandContext& context) {
+    CLI::App* command = app.add_subcommand(
+        "fingerprint", description("记录设置文件的指纹，或与设置基线比较；不更改这些文件",
+                                   "take the fingerprints of settings files, or compare them with a baseline; the "
+                                   "files are not changed"));
+    const auto options = std::make_shared<FingerprintOptions>();
+    command->add_option("PATH", options->paths, description("文件或文件夹", "files or folders"))->type_name("");
+    command->add_option("--baseline", options->baseline, description("设置基线文件", "the settings baseline"))
+        ->type_name("FILE");
+    command->add_flag("--save", options->isSaving,
+                      description("将指纹存为设置基线", "save the fingerprints as the settings baseline"));
+    command->callback([options, &context] {
+        requireOneForm(*options);
+        runFingerprint(*options, context);
+    });
+}
+
+} // namespace orvex

@@ -1,0 +1,32 @@
+#include "CUPSService.h"
+#include "CommandFiles.h"
+#include "CommandText.h"
+#include "Commands.h"
+
+#include <QJsonArray>
+
+namespace orvex {
+
+namespace {
+
+constexpr double timeoutSeconds = 6.0;
+constexpr qint64 outputLimitBytes = 262144;
+
+void runPrinters(const CommandContext& context) {
+    QJsonArray printers;
+    for (const PrinterSnapshot& printer :
+         CUPSService(timeoutSeconds, outputLimitBytes).discover(context.stop).result()) {
+        printers.append(printer.toJson());
+    }
+    printResult(printers);
+}
+
+} // namespace
+
+void addPrintersCommand(CLI::App& app, CommandContext& context) {
+    CLI::App* command = app.add_subcommand(
+        "printers", description("只读查看本机打印队列", "look at the local print queues, read-only"));
+    command->callback([&context] { runPrinters(context); });
+}
+
+} // namespace orvex
