@@ -241,7 +241,17 @@ TEST_F(SchedulerOfATest, leavesNothingToTheNextOne) {
     EXPECT_EQ(waitingJobs(), "");
 }
 
-TEST_F(SchedulerOfATest, endsWithAProcessThatIsKilled) {
+TEST_F(SchedulerOfATest, tellsWhyItDoesNotStart) {
+    const test::ReplacedTool replaced("/usr/sbin/cupsd", "#!/bin/sh\necho \"$* is bad\"\nexit 1\n");
+    try {
+        const PrivateScheduler scheduler;
+        FAIL() << "a scheduler";
+    } catch (const std::runtime_error& error) {
+        EXPECT_NE(std::string(error.what()).find("-f is bad"), std::string::npos) << error.what();
+    }
+}
+
+TEST_F(SchedulerOfATest, endsWithItsProcessThoughNobodyStopsIt) {
     // Another mount namespace, so that the folders go with the child; the port is still the same.
     const QStringList atPort{QStringLiteral("-h"), QStringLiteral("localhost:631"), QStringLiteral("-r")};
     const QByteArray whileAlive = test::inChildProcess([&atPort]() -> QByteArray {

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 
+#include <fcntl.h>
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <sched.h>
@@ -20,7 +21,7 @@ namespace orvex::test {
 /// exception comes back as its text.
 inline QByteArray inChildProcess(const std::function<QByteArray()>& work) {
     int ends[2] = {-1, -1};
-    if (::pipe(ends) != 0) {
+    if (::pipe2(ends, O_CLOEXEC) != 0) { // the end must not depend on programs that the work starts
         return "no pipe";
     }
     const pid_t child = ::fork();

@@ -97,7 +97,8 @@ QByteArray printerDescription(PrivateScheduler::Kind kind) {
         return fixture(QStringLiteral("widef.ppd"));
     case PrivateScheduler::Kind::missingFilter:
         return fixture(QStringLiteral("wide.ppd"))
-            .replace("application/pdf application/pdf 0 -", "application/pdf application/pdf 0 filter-that-is-not-installed");
+            .replace("application/pdf application/pdf 0 -",
+                     "application/pdf application/pdf 0 filter-that-is-not-installed");
     default:
         return fixture(QStringLiteral("wide.ppd"));
     }
