@@ -18,6 +18,10 @@ struct ForbiddenMeans {
 
 const std::vector<ForbiddenMeans>& forbiddenMeans() {
     static const QStringList doors{QStringLiteral("FileReplacer.cpp"), QStringLiteral("FileUpdater.cpp")};
+    static const QStringList runner{QStringLiteral("ChildProcess.cpp")};
+    static const QStringList toolCallers{QStringLiteral("ChildProcess.h"), QStringLiteral("ChildProcess.cpp"),
+                                         QStringLiteral("CUPSService.cpp"),
+                                         QStringLiteral("PrinterTelemetryReader.cpp")};
     static const auto form = [](const char* pattern) { return QRegularExpression(QString::fromLatin1(pattern)); };
     static const std::vector<ForbiddenMeans> list{
         // Reports success on a full disk and replaces a whole file by a cut one.
@@ -30,6 +34,11 @@ const std::vector<ForbiddenMeans>& forbiddenMeans() {
         {form("\\b(fopen|freopen|fdopen|creat|mkstemps?|mkostemps?)(64)?\\s*\\("), {}},
         {form("\\bO_(WRONLY|RDWR|CREAT|TRUNC|APPEND|TMPFILE)\\b"), doors},
         {form("\\b(rename|renameat|renameat2)\\s*\\("), doors},
+        // Other programs are run by the one runner, and it only for the closed sets of commands that read.
+        {form("\\bQProcess\\b|\\bposix_spawnp?\\s*\\(|\\b(v?fork|popen|exec[lv][ep]*)\\s*\\(|"
+              "(?<!QLocale::)\\bsystem\\s*\\("),
+         runner},
+        {form("\\brunChild\\s*\\("), toolCallers},
         // A mapped file that another program shortens kills the process. libtiff maps what it opens by name.
         {form("\\bmmap(64)?\\b|\\bMemoryMapFlags?\\b|\\bTIFF(Fd)?Open\\s*\\("), {}},
     };
@@ -86,6 +95,15 @@ INSTANTIATE_TEST_SUITE_P(
         UseCase{"TheDoorMayRename", "Sources/Files/FileReplacer.cpp", "::rename(a, ::open(b, O_CREAT))", ""},
         UseCase{"TheDoorMayNotMap", "Sources/Files/FileReplacer.cpp", "void* bytes = mmap(a);",
                 "Sources/Files/FileReplacer.cpp:1: mmap"},
+        UseCase{"Process", "Sources/A.cpp", "QProcess tool;", "Sources/A.cpp:1: QProcess"},
+        UseCase{"SearchedProgram", "Sources/A.cpp", "::execvp(a, b)", "Sources/A.cpp:1: execvp("},
+        UseCase{"TheRunnerMayStart", "Sources/Process/ChildProcess.cpp", "::posix_spawn(a)", ""},
+        UseCase{"Shell", "Sources/A.cpp", "std::system(a)", "Sources/A.cpp:1: system("},
+        UseCase{"SystemLocale", "Sources/A.cpp", "QLocale::system()", ""},
+        UseCase{"OnlyTheRunnerMayStart", "Sources/Process/ChildOutput.cpp", "posix_spawnp(a)",
+                "Sources/Process/ChildOutput.cpp:1: posix_spawnp("},
+        UseCase{"ACommandOfItsOwn", "Sources/A.cpp", "runChild(a, b)", "Sources/A.cpp:1: runChild("},
+        UseCase{"ACommandOfTheSet", "Sources/PrintCore/CUPSService.cpp", "platform::runChild(a, b)", ""},
         UseCase{"TiffByName", "Sources/A.cpp", "TIFFOpen(path, \"r\")", "Sources/A.cpp:1: TIFFOpen("},
         UseCase{"TiffOptions", "Sources/A.cpp", "TIFFOpenOptionsAlloc()", ""},
         UseCase{"CommentsAndTexts", "Sources/A.cpp",

@@ -33,7 +33,8 @@ const QMap<QString, QSet<QString>>& permitted() {
 const QRegularExpression& platformHeaders() {
     static const QRegularExpression form(QStringLiteral(
         "^(j(peglib|error|config|morecfg)\\.h|turbojpeg\\.h|png(conf|libconf)?\\.h|tiff.*\\.h|libheif/.*|libexif/.*|"
-        "lcms2.*\\.h|isa-l.*|igzip_lib\\.h|zlib\\.h|zconf\\.h|libdeflate\\.h|openssl/.*|qpdf/.*|poppler.*|plist/.*|"
+        "lcms2.*\\.h|isa-l.*|igzip_lib\\.h|zlib\\.h|zconf\\.h|libdeflate\\.h|openssl/.*|qpdf/.*|poppler.*|plist/"
+        ".*|expat.*\\.h|"
         "cups/.*)$"));
     return form;
 }

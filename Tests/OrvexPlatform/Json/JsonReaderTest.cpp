@@ -274,4 +274,19 @@ TEST(JsonReader, readsAddresses) {
 }
 
 } // namespace
+
+TEST(JsonReader, ReadsAnArrayOfTexts) {
+    EXPECT_EQ(JsonReader::parse(R"(["a","画"])").texts(), QStringList({QStringLiteral("a"), QStringLiteral("画")}));
+    EXPECT_EQ(JsonReader::parse("[]").texts(), QStringList());
+}
+
+TEST(JsonReader, TellsWhichElementIsNoText) {
+    try {
+        static_cast<void>(JsonReader::parse(R"({"names":["a",1]})").at("names").texts());
+        FAIL() << "a number was taken for a text";
+    } catch (const JsonError& error) {
+        EXPECT_EQ(error.keyPath(), QStringLiteral("names[1]"));
+    }
+}
+
 } // namespace orvex::platform
