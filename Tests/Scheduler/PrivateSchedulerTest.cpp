@@ -63,7 +63,7 @@ QStringList listing(const QString& folder) {
 
 class SchedulerOfATest : public test::SchedulerTest {};
 
-TEST_F(SchedulerOfATest, hasNoQueuesAtFirst) {
+TEST_F(SchedulerOfATest, HasNoQueuesAtFirst) {
     const PrivateScheduler scheduler;
 
     const test::ToolResult result = test::runTool(lpstat, {QStringLiteral("-p")});
@@ -73,7 +73,7 @@ TEST_F(SchedulerOfATest, hasNoQueuesAtFirst) {
     EXPECT_EQ(waitingJobs(), "");
 }
 
-TEST_F(SchedulerOfATest, listsTheQueuesThatWereAdded) {
+TEST_F(SchedulerOfATest, ListsTheQueuesThatWereAdded) {
     PrivateScheduler scheduler;
     scheduler.addQueue(QStringLiteral("W9400"));
     scheduler.addQueue(QStringLiteral("Canon_iPF9400"), Kind::widePdfFilter);
@@ -90,7 +90,7 @@ TEST_F(SchedulerOfATest, listsTheQueuesThatWereAdded) {
               "device for W9400: printing:/run/cups/printed\n");
 }
 
-TEST_F(SchedulerOfATest, describesAWidePrinter) {
+TEST_F(SchedulerOfATest, DescribesAWidePrinter) {
     PrivateScheduler scheduler;
     scheduler.addQueue(QStringLiteral("W9400"));
 
@@ -99,7 +99,7 @@ TEST_F(SchedulerOfATest, describesAWidePrinter) {
     EXPECT_TRUE(options.contains("PageSize/Media Size: *A4 Roll60 Custom.WIDTHxHEIGHT\n")) << options.toStdString();
 }
 
-TEST_F(SchedulerOfATest, pausesAQueueForAReasonAndEnablesItAgain) {
+TEST_F(SchedulerOfATest, PausesAQueueForAReasonAndEnablesItAgain) {
     PrivateScheduler scheduler;
     scheduler.addQueue(QStringLiteral("W9400"));
 
@@ -111,7 +111,7 @@ TEST_F(SchedulerOfATest, pausesAQueueForAReasonAndEnablesItAgain) {
     EXPECT_TRUE(queues().startsWith("printer W9400 is idle. ")) << queues().toStdString();
 }
 
-TEST_F(SchedulerOfATest, rejectsJobsForAReasonAndAcceptsThemAgain) {
+TEST_F(SchedulerOfATest, RejectsJobsForAReasonAndAcceptsThemAgain) {
     PrivateScheduler scheduler;
     scheduler.addQueue(QStringLiteral("W9400"));
 
@@ -124,7 +124,7 @@ TEST_F(SchedulerOfATest, rejectsJobsForAReasonAndAcceptsThemAgain) {
     EXPECT_GT(scheduler.submitHeld(QStringLiteral("W9400")), 0);
 }
 
-TEST_F(SchedulerOfATest, keepsAQueuePrintingUntilItsJobIsFinished) {
+TEST_F(SchedulerOfATest, KeepsAQueuePrintingUntilItsJobIsFinished) {
     PrivateScheduler scheduler;
     scheduler.addQueue(QStringLiteral("W9400"), Kind::wide, Printer::waits);
 
@@ -141,7 +141,7 @@ TEST_F(SchedulerOfATest, keepsAQueuePrintingUntilItsJobIsFinished) {
     EXPECT_EQ(waitingJobs(), "");
 }
 
-TEST_F(SchedulerOfATest, stopsWhileAQueueIsPrinting) {
+TEST_F(SchedulerOfATest, StopsWhileAQueueIsPrinting) {
     PrivateScheduler scheduler;
     scheduler.addQueue(QStringLiteral("W9400"), Kind::wide, Printer::waits);
     scheduler.submit(QStringLiteral("W9400"));
@@ -150,7 +150,7 @@ TEST_F(SchedulerOfATest, stopsWhileAQueueIsPrinting) {
     EXPECT_NO_THROW(scheduler.stop());
 }
 
-TEST_F(SchedulerOfATest, holdsTheJobsOfTwoQueuesWithTheSameBeginning) {
+TEST_F(SchedulerOfATest, HoldsTheJobsOfTwoQueuesWithTheSameBeginning) {
     PrivateScheduler scheduler;
     scheduler.addQueue(QStringLiteral("A"));
     scheduler.addQueue(QStringLiteral("A-B"));
@@ -161,7 +161,7 @@ TEST_F(SchedulerOfATest, holdsTheJobsOfTwoQueuesWithTheSameBeginning) {
               (QList<QByteArray>{"A-" + QByteArray::number(first), "A-B-" + QByteArray::number(second)}));
 }
 
-TEST_F(SchedulerOfATest, handsADocumentToThePrinterByteByByte) {
+TEST_F(SchedulerOfATest, HandsADocumentToThePrinterByteByByte) {
     PrivateScheduler scheduler;
     scheduler.addQueue(QStringLiteral("W9400"));
     const QByteArray document = PrivateScheduler::smallPdf() + QByteArray("\0\xFF\r\n", 4);
@@ -173,7 +173,7 @@ TEST_F(SchedulerOfATest, handsADocumentToThePrinterByteByByte) {
         << printed.ticket.toStdString();
 }
 
-TEST_F(SchedulerOfATest, takesJobsForAQueueBehindTheFilterOfPdf) {
+TEST_F(SchedulerOfATest, TakesJobsForAQueueBehindTheFilterOfPdf) {
     PrivateScheduler scheduler;
     scheduler.addQueue(QStringLiteral("W9400F"), Kind::widePdfFilter);
 
@@ -194,7 +194,7 @@ void PrintTo(const TelemetryCase& row, std::ostream* out) {
 
 class TelemetryOfAQueue : public test::SchedulerTest, public ::testing::WithParamInterface<TelemetryCase> {};
 
-TEST_P(TelemetryOfAQueue, isThatOfItsKind) {
+TEST_P(TelemetryOfAQueue, IsThatOfItsKind) {
     const TelemetryCase& row = GetParam();
     PrivateScheduler scheduler;
     scheduler.addQueue(QStringLiteral("Q"), row.kind);
@@ -214,7 +214,7 @@ INSTANTIATE_TEST_SUITE_P(Kinds, TelemetryOfAQueue,
                                                          "cups-missing-filter-warning"},
                                            TelemetryCase{"Raw", Kind::raw, 1, "false", "none"}));
 
-TEST_F(SchedulerOfATest, isSeenToBeStoppedAndKeepsItsQueues) {
+TEST_F(SchedulerOfATest, IsSeenToBeStoppedAndKeepsItsQueues) {
     PrivateScheduler scheduler;
     scheduler.addQueue(QStringLiteral("W9400"));
     scheduler.submitHeld(QStringLiteral("W9400"));
@@ -229,7 +229,7 @@ TEST_F(SchedulerOfATest, isSeenToBeStoppedAndKeepsItsQueues) {
     EXPECT_EQ(firstWords(waitingJobs()).size(), 1);
 }
 
-TEST_F(SchedulerOfATest, leavesNothingToTheNextOne) {
+TEST_F(SchedulerOfATest, LeavesNothingToTheNextOne) {
     {
         PrivateScheduler scheduler;
         scheduler.addQueue(QStringLiteral("W9400"));
@@ -241,7 +241,7 @@ TEST_F(SchedulerOfATest, leavesNothingToTheNextOne) {
     EXPECT_EQ(waitingJobs(), "");
 }
 
-TEST_F(SchedulerOfATest, tellsWhyItDoesNotStart) {
+TEST_F(SchedulerOfATest, TellsWhyItDoesNotStart) {
     const test::ReplacedTool replaced("/usr/sbin/cupsd", "#!/bin/sh\necho \"$* is bad\"\nexit 1\n");
     try {
         const PrivateScheduler scheduler;
@@ -251,7 +251,7 @@ TEST_F(SchedulerOfATest, tellsWhyItDoesNotStart) {
     }
 }
 
-TEST_F(SchedulerOfATest, endsWithItsProcessThoughNobodyStopsIt) {
+TEST_F(SchedulerOfATest, EndsWithItsProcessThoughNobodyStopsIt) {
     // Another mount namespace, so that the folders go with the child; the port is still the same.
     const QStringList atPort{QStringLiteral("-h"), QStringLiteral("localhost:631"), QStringLiteral("-r")};
     const QByteArray whileAlive = test::inChildProcess([&atPort]() -> QByteArray {
@@ -266,7 +266,7 @@ TEST_F(SchedulerOfATest, endsWithItsProcessThoughNobodyStopsIt) {
                     [&atPort] { return test::runTool(lpstat, atPort).output == "scheduler is not running\n"; });
 }
 
-TEST_F(SchedulerOfATest, leavesTheMachinesOwnPrintSystemAlone) {
+TEST_F(SchedulerOfATest, LeavesTheMachinesOwnPrintSystemAlone) {
     const QList<QByteArray> folders{"/etc/cups", "/var/spool/cups", "/var/cache/cups", "/var/log/cups",
                                     "/usr/lib/cups/backend"};
     QList<QStringList> before;
@@ -292,13 +292,13 @@ TEST_F(SchedulerOfATest, leavesTheMachinesOwnPrintSystemAlone) {
 
 class PrivateMachineOfATest : public test::SchedulerTest {};
 
-TEST_F(PrivateMachineOfATest, hasLoopbackAsItsOnlyNetwork) {
+TEST_F(PrivateMachineOfATest, HasLoopbackAsItsOnlyNetwork) {
     const QByteArray devices = test::TemporaryFolder::read(QStringLiteral("/proc/self/net/dev"));
     EXPECT_EQ(devices.count(':'), 1) << devices.toStdString();
     EXPECT_TRUE(devices.contains(" lo:")) << devices.toStdString();
 }
 
-TEST_F(PrivateMachineOfATest, isRefusedToAnOrdinaryUserAndThenNothingIsCovered) {
+TEST_F(PrivateMachineOfATest, IsRefusedToAnOrdinaryUserAndThenNothingIsCovered) {
     const QByteArray refusals = test::inChildProcess([]() -> QByteArray {
         if (!test::becomeOrdinaryUser()) {
             return "still the superuser";
@@ -315,7 +315,7 @@ TEST_F(PrivateMachineOfATest, isRefusedToAnOrdinaryUserAndThenNothingIsCovered) 
     EXPECT_EQ(refusals, "unshare: Operation not permitted\nno private print system: unshare: Operation not permitted");
 }
 
-TEST_F(PrivateMachineOfATest, replacesAToolUntilItIsGivenBack) {
+TEST_F(PrivateMachineOfATest, ReplacesAToolUntilItIsGivenBack) {
     {
         const test::ReplacedTool replaced("/usr/bin/lpstat", "#!/bin/sh\necho \"told $*\"\nexit 7\n");
         const test::ToolResult result = test::runTool(lpstat, {QStringLiteral("-p"), QStringLiteral("x")});
@@ -325,7 +325,7 @@ TEST_F(PrivateMachineOfATest, replacesAToolUntilItIsGivenBack) {
     EXPECT_EQ(test::runTool(lpstat, {QStringLiteral("-r")}).output, "scheduler is not running\n");
 }
 
-TEST_F(PrivateMachineOfATest, cannotReplaceAToolThatIsNotThere) {
+TEST_F(PrivateMachineOfATest, CannotReplaceAToolThatIsNotThere) {
     EXPECT_THROW(test::ReplacedTool("/usr/bin/no-such-tool", "#!/bin/sh\n"), std::runtime_error);
 }
 

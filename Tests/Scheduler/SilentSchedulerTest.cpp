@@ -9,7 +9,7 @@ namespace {
 
 class ClientOfASilentScheduler : public test::SchedulerTest, public ::testing::WithParamInterface<const char*> {};
 
-TEST_P(ClientOfASilentScheduler, waitsUntilItIsGone) {
+TEST_P(ClientOfASilentScheduler, WaitsUntilItIsGone) {
     QProcess client;
     {
         test::SilentScheduler scheduler;
