@@ -17,6 +17,9 @@ public:
     /// The time for one command, kept within 0.2 to 30 seconds, and what it may write, within 1 KiB to 1 MiB.
     CUPSService(double timeoutSeconds, qint64 outputLimitBytes);
 
+    /// As the program looks at the queues: 6 seconds and 256 KiB for each command.
+    [[nodiscard]] static CUPSService standard() { return CUPSService(6.0, 262144); }
+
     [[nodiscard]] double timeout() const { return timeout_; }
 
     [[nodiscard]] qint64 outputLimit() const { return outputLimit_; }

@@ -9,13 +9,9 @@ namespace orvex {
 
 namespace {
 
-constexpr double timeoutSeconds = 6.0;
-constexpr qint64 outputLimitBytes = 262144;
-
 void runPrinters(const CommandContext& context) {
     QJsonArray printers;
-    for (const PrinterSnapshot& printer :
-         CUPSService(timeoutSeconds, outputLimitBytes).discover(context.stop).result()) {
+    for (const PrinterSnapshot& printer : CUPSService::standard().discover(context.stop).result()) {
         printers.append(printer.toJson());
     }
     printResult(printers);

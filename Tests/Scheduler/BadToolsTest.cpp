@@ -131,7 +131,7 @@ TEST_F(BadTools, GetNoEnvironmentButTheLanguage) {
 }
 
 TEST_F(BadTools, ThatSayThatThereAreNoQueuesAreBelievedOnlyIfTheyEnd) {
-    EXPECT_EQ(CUPSService(6.0, 262144).run(InspectionCommand::printerStatuses()).status, 1); // no scheduler here
+    EXPECT_EQ(CUPSService::standard().run(InspectionCommand::printerStatuses()).status, 1); // no scheduler here
     const test::ReplacedTool tool(lpstat, "#!/bin/sh\necho 'No Destinations Added.'\nexec " ORVEX_BAD_TOOL
                                           " close-and-linger\n");
     try {

@@ -19,7 +19,7 @@ const QString noOptions = QStringLiteral("The driver returned no readable option
                                          "cutting capabilities.");
 
 CUPSService service() {
-    return CUPSService(6.0, 262144);
+    return CUPSService::standard();
 }
 
 QList<PrinterSnapshot> discovered() {

@@ -56,7 +56,7 @@ void ChildOutput::closeWriteEnds() {
     }
 }
 
-void ChildOutput::drain() {
+void ChildOutput::drainBoth() {
     drain(output_, true);
     if (errors_) {
         drain(*errors_, false);

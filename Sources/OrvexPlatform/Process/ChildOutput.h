@@ -22,8 +22,8 @@ public:
     /// Closes this process's copies of the child's ends, so that the child's own are the last.
     void closeWriteEnds();
 
-    /// Takes what is there now, within the reads of one turn.
-    void drain();
+    /// Takes what is there now of both streams, within the reads of one turn.
+    void drainBoth();
 
     [[nodiscard]] bool isTooLarge() const { return isTooLarge_; }
 

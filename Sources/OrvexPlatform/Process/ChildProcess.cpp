@@ -175,7 +175,7 @@ public:
     /// Waits for the end of the child, or for a reason to give it up.
     ChildEnd untilEndOrReason() {
         while (child_.isRunning()) {
-            output_.drain();
+            output_.drainBoth();
             if (const ChildEnd reason = reasonToStop(); reason != ChildEnd::ended) {
                 return reason;
             }
@@ -207,7 +207,7 @@ private:
     void await(std::chrono::milliseconds grace) {
         const Clock::time_point end = Clock::now() + grace;
         while (child_.isRunning() && Clock::now() < end) {
-            output_.drain();
+            output_.drainBoth();
             std::this_thread::sleep_for(rules_.graceStep);
         }
     }
@@ -230,7 +230,7 @@ ChildResult runChild(const ChildCommand& command, const ChildRules& rules, const
     if (end != ChildEnd::ended) {
         watch.stopChild();
     }
-    output.drain();
+    output.drainBoth();
     const bool isRunning = child.isRunning();
     return {.output = output.takeKept(),
             .status = isRunning ? std::nullopt : child.status(),
