@@ -3,10 +3,12 @@
 #include "Commands.h"
 #include "Files/FileSystemError.h"
 #include "Files/Paths.h"
+#include "OrvexError.h"
 #include "OrvexLanguage.h"
 #include "ProtectedSettingsBaseline.h"
 #include "SettingsPreservationService.h"
 
+#include <QFile>
 #include <QJsonObject>
 
 #include <cerrno>
@@ -21,10 +23,20 @@ struct FingerprintOptions {
     bool isSaving = false;
 };
 
+/// A path that its text leads to. Another's fingerprint would be that of nothing, or of something else.
+QString pathText(const std::string& argument) {
+    const QString text = argumentText(argument);
+    if (QFile::encodeName(text).toStdString() != argument) {
+        throw OrvexError::invalid(
+            spt("路径“%1”不是有效的 UTF-8 文本。", "The path \"%1\" is not valid UTF-8 text.").arg(text));
+    }
+    return text;
+}
+
 QList<QUrl> locations(const std::vector<std::string>& paths) {
     QList<QUrl> locations;
     for (const std::string& path : paths) {
-        locations.append(platform::fileUrl(argumentText(path)));
+        locations.append(platform::fileUrl(pathText(path)));
     }
     return locations;
 }
