@@ -7,10 +7,14 @@
 #include "Layout/RollWorkspaceFile.h"
 #include "Output/ArtworkImport.h"
 #include "Output/RollPDFRenderer.h"
+#include "ProtectedSettingsBaseline.h"
 #include "Scenes.h"
 #include "Writers.h"
 
 #include <QByteArray>
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
 #include <QUrl>
 #include <QUuid>
 
@@ -192,6 +196,104 @@ void makeDocuments(const fs::path& folder, const fs::path& pictures) {
     render(layout, "long.pdf");
 }
 
+/// What a tool of the print system once printed.
+QByteArray fixture(const QString& name) {
+    QFile file(QStringLiteral(ORVEX_FIXTURES "/Cups/") + name);
+    if (!file.open(QIODevice::ReadOnly)) {
+        throw std::runtime_error("Cannot read " + file.fileName().toStdString());
+    }
+    return file.readAll();
+}
+
+void copyFixtures(const QString& names, const fs::path& folder) {
+    for (const QString& name : QDir(QStringLiteral(ORVEX_FIXTURES "/Cups")).entryList({names}, QDir::Files)) {
+        writeBytes(folder / name.toStdString(), fixture(name));
+    }
+}
+
+/// What the tools print of queues, with several answers in one, so that the jobs belong to the queues; names.
+void makeQueueTexts(const fs::path& folder) {
+    copyFixtures(QStringLiteral("*.txt"), folder);
+    writeBytes(folder / "all-answers",
+               fixture(QStringLiteral("lpstat_p_paused.txt")) + fixture(QStringLiteral("lpstat_v.txt")) +
+                   fixture(QStringLiteral("lpstat_jobs_waiting.txt")) + fixture(QStringLiteral("lpoptions_W9400.txt")));
+    writeBytes(folder / "look-alikes",
+               "printer A-B is idle.\n\treason\nprinter A now printing A-7.\nprinter A again\nprinter B\n"
+               "device for A : x\ndevice for A: usb://y:1\nA-7 root 1\nA-B-7 root 1\nA-x root\n A-8\n"
+               "PageSize/: *A4 A4 * **A4\nPageSize/Media: Letter\nlpoptions: no\nInk/a/b: *x:y *z\n");
+    const QByteArray script = fixture(QStringLiteral("get-printer-attributes.test.txt"));
+    writeBytes(folder / "commented-script",
+               QByteArray(script).replace("EXPECT ", "\tEXPECT  ").replace("\n", " # }\n\n"));
+    writeBytes(folder / "other-script", QByteArray(script).replace("OPERATION get-printer", "OPERATION set-printer"));
+    int count = 0;
+    for (const char* name : {"W9400", "Canon_iPF-9400.a", "长卷", "..", "a b", "a/b"}) {
+        writeBytes(folder / ("name-" + std::to_string(count++)), QByteArray(name));
+    }
+}
+
+/// An answer of ipptool with these attributes of the queue, as XML.
+QByteArray answer(const QByteArray& attributes, const QByteArray& declarations = {}) {
+    return R"(<?xml version="1.0" encoding="UTF-8"?>
+)" + declarations +
+           R"(<plist version="1.0"><dict><key>Tests</key><array><dict><key>Operation</key>
+<string>Get-Printer-Attributes</string><key>StatusCode</key><string>successful-ok</string><key>Successful</key><true/>
+<key>ResponseAttributes</key><array><dict><key>attributes-charset</key><string>utf-8</string></dict><dict>)" +
+           attributes + "</dict></array></dict></array><key>Successful</key><true/></dict></plist>\n";
+}
+
+void makePropertyLists(const fs::path& folder) {
+    copyFixtures(QStringLiteral("*.plist"), folder);
+    writeBytes(folder / "least", answer({}));
+    writeBytes(
+        folder / "out-of-band",
+        answer("<key>printer-name</key>\n<string>&lt;&lt;no-value&gt;&gt;</string><key>printer-state-reasons</key>"
+               "<array><string>&lt;&lt;unknown&gt;&gt;</string><string>none</string><true/></array>"
+               "<key>marker-names</key><string>&lt;&lt;no-value&gt;&gt;</string>"
+               "<key>marker-levels</key><array><integer>-3</integer><real>7.0</real><real>0.5</real></array>"));
+    writeBytes(folder / "numbers",
+               answer("<key>printer-name</key>\n<string>长卷</string><key>printer-state</key><real>3e0</real>"
+                      "<key>queued-job-count</key><integer>0x7fffffffffffffff</integer>"
+                      "<key>marker-change-time</key><integer>-9223372036854775809</integer>"
+                      "<key>printer-is-accepting-jobs</key><true/><key>marker-levels</key><array><real>nan</real>"
+                      "<real>1e999</real><integer>-9223372036854775808</integer></array>"));
+    writeBytes(folder / "long-message",
+               answer("<key>printer-state</key><integer>5</integer><key>printer-state-reasons</key>"
+                      "<string>media-jam-error</string><key>printer-state-message</key><string>e&#x301;&#10;&#x1F5A8;" +
+                      QByteArray("long ").repeated(150) + "</string>"));
+    writeBytes(folder / "too-many-markers",
+               answer("<key>marker-names</key><array>" + QByteArray("<string/>").repeated(1025) + "</array>"));
+    writeBytes(folder / "twice", answer("<key>attributes-charset</key><string>utf-8</string>"));
+    writeBytes(folder / "nested", answer("<key>marker-names</key>" + QByteArray("<array>").repeated(130) +
+                                         QByteArray("</array>").repeated(130)));
+    writeBytes(folder / "entity", answer("<key>printer-name</key>\n<string>&a;</string>",
+                                         "<!DOCTYPE plist [<!ENTITY a \"W9400\"><!ENTITY b \"&a;&a;\">]>\n"));
+}
+
+QString fingerprintOf(const char* text) {
+    return QString::fromLatin1(QCryptographicHash::hash(QByteArray(text), QCryptographicHash::Sha256).toHex());
+}
+
+void makeBaselines(const fs::path& folder) {
+    using enum ProtectedSettingsFileStatus;
+    const auto write = [&](const char* name, const QStringList& roots, const QList<ProtectedSettingsFile>& files) {
+        const ProtectedSettingsSnapshot snapshot{.timestamp = {800'000'000.125}, .rootPaths = roots, .files = files};
+        ProtectedSettingsBaseline::validate(snapshot);
+        writeBytes(folder / name, platform::writeJson(snapshot.toJson(), platform::JsonForm::pretty));
+    };
+    write("empty.json", {}, {});
+    write("missing.json", {QStringLiteral("/home/a/.cups")}, {{.path = QStringLiteral("/home/a/.cups")}});
+    const QString sentence = QStringLiteral("Permission denied");
+    write("all-kinds.json", {QStringLiteral("/etc/a"), QStringLiteral("/etc/长卷")},
+          {{.path = QStringLiteral("/etc/a"), .status = directory},
+           {.path = QStringLiteral("/etc/a/b"), .status = regularFile, .sha256 = fingerprintOf("b")},
+           {.path = QStringLiteral("/etc/a/c"), .status = symbolicLink, .sha256 = fingerprintOf("c")},
+           {.path = QStringLiteral("/etc/a/c/d"), .status = unreadable, .diagnostic = sentence},
+           {.path = QStringLiteral("/etc/长卷"), .status = unsupported, .diagnostic = sentence}});
+    write("whole-system.json", {QStringLiteral("/")},
+          {{.path = QStringLiteral("/"), .status = directory},
+           {.path = QStringLiteral("/\uFEFFx"), .status = regularFile, .sha256 = fingerprintOf("")}});
+}
+
 void makeAll(const fs::path& root) {
     makeJpegs(folderFor(root, "jpeg"));
     makePngs(folderFor(root, "png"));
@@ -204,6 +306,9 @@ void makeAll(const fs::path& root) {
     makeNumbers(folderFor(root, "number"));
     makeSizes(folderFor(root, "sizes"));
     makeDocuments(folderFor(root, "pdf"), root);
+    makeQueueTexts(folderFor(root, "cups"));
+    makePropertyLists(folderFor(root, "plist"));
+    makeBaselines(folderFor(root, "baseline"));
 }
 
 } // namespace
