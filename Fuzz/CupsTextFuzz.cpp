@@ -48,8 +48,11 @@ void exerciseOptions(const QString& text) {
 }
 
 void exerciseJobs(const QString& text, const QString& queue) {
+    const QString prefix = queue + u'-';
     for (const SystemPrintJob& job : CUPSParsers::jobs(text, queue)) {
-        mustHold(job.id.startsWith(queue + u'-') && job.id.size() > queue.size() + 1);
+        mustHold(job.id.startsWith(prefix) && job.id.size() > prefix.size());
+        const QStringView number = QStringView(job.id).sliced(prefix.size());
+        mustHold(std::ranges::all_of(number, [](QChar digit) { return digit >= u'0' && digit <= u'9'; }));
         mustHold(platform::words(job.rawLine).first() == job.id && platform::filledLines(job.rawLine).size() == 1);
     }
 }

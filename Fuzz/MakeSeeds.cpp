@@ -217,10 +217,11 @@ void makeQueueTexts(const fs::path& folder) {
     writeBytes(folder / "all-answers",
                fixture(QStringLiteral("lpstat_p_paused.txt")) + fixture(QStringLiteral("lpstat_v.txt")) +
                    fixture(QStringLiteral("lpstat_jobs_waiting.txt")) + fixture(QStringLiteral("lpoptions_W9400.txt")));
-    writeBytes(folder / "look-alikes",
-               "printer A-B is idle.\n\treason\nprinter A now printing A-7.\nprinter A again\nprinter B\n"
-               "device for A : x\ndevice for A: usb://y:1\nA-7 root 1\nA-B-7 root 1\nA-x root\n A-8\n"
-               "PageSize/: *A4 A4 * **A4\nPageSize/Media: Letter\nlpoptions: no\nInk/a/b: *x:y *z\n");
+    writeBytes(
+        folder / "look-alikes",
+        "printer A-B is idle.\n\treason\nprinter A now printing A-7.\nprinter A again\nprinter B\nprinter  is idle.\n"
+        "device for A : x\ndevice for A: usb://y:1\nA-7 root 1\nA-B-7 root 1\nA-x root\n A-8\n"
+        "PageSize/: *A4 A4 * **A4\nPageSize/Media: Letter\nlpoptions: no\nInk/a/b: *x:y *z\nNone:\nStar: *\n");
     const QByteArray script = fixture(QStringLiteral("get-printer-attributes.test.txt"));
     writeBytes(folder / "commented-script",
                QByteArray(script).replace("EXPECT ", "\tEXPECT  ").replace("\n", " # }\n\n"));
@@ -291,7 +292,7 @@ void makeBaselines(const fs::path& folder) {
            {.path = QStringLiteral("/etc/长卷"), .status = unsupported, .diagnostic = sentence}});
     write("whole-system.json", {QStringLiteral("/")},
           {{.path = QStringLiteral("/"), .status = directory},
-           {.path = QStringLiteral("/\uFEFFx"), .status = regularFile, .sha256 = fingerprintOf("")}});
+           {.path = QStringLiteral("/x"), .status = unreadable, .diagnostic = QStringLiteral("\uFEFFx")}});
 }
 
 void makeAll(const fs::path& root) {
