@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 
 namespace orvex {
 
@@ -45,18 +46,32 @@ bool isAbsolute(const QString& path) {
     return path.startsWith(u'/');
 }
 
-/// Whether a path is one of the roots, or below one. Each folder above it is looked up: there may be many roots.
-bool liesUnder(const QSet<QString>& roots, const QString& path) {
-    if (roots.contains(path) || roots.contains(QStringLiteral("/"))) {
-        return true;
-    }
-    for (qsizetype slash = path.lastIndexOf(u'/'); slash > 0; slash = path.lastIndexOf(u'/', slash - 1)) {
-        if (roots.contains(path.first(slash))) {
-            return true;
+/// The roots of a snapshot. A path is compared with those of the lengths that there are, not with each of them, and not
+/// at each of its slashes: a file may have very many of either.
+class Roots {
+public:
+    explicit Roots(const QStringList& paths) : paths_(paths.begin(), paths.end()) {
+        for (const QString& path : paths) {
+            sizes_.insert(path.size());
         }
     }
-    return false;
-}
+
+    [[nodiscard]] const QSet<QString>& paths() const { return paths_; }
+
+    /// Whether a path is one of the roots, or below one.
+    [[nodiscard]] bool contain(const QString& path) const {
+        if (paths_.contains(path) || paths_.contains(QStringLiteral("/"))) {
+            return true;
+        }
+        return std::ranges::any_of(sizes_, [&](qsizetype size) {
+            return size < path.size() && path[size] == u'/' && paths_.contains(path.first(size));
+        });
+    }
+
+private:
+    QSet<QString> paths_;
+    std::set<qsizetype> sizes_;
+};
 
 bool isFingerprint(const std::optional<QString>& text) {
     constexpr qsizetype digits = 64;
@@ -92,15 +107,14 @@ InvalidBaselineError::InvalidBaselineError()
 void ProtectedSettingsBaseline::validate(const ProtectedSettingsSnapshot& snapshot) {
     const QStringList paths = pathsOf(snapshot.files);
     const QSet<QString> pathSet(paths.begin(), paths.end());
-    const QSet<QString> roots(snapshot.rootPaths.begin(), snapshot.rootPaths.end());
+    const Roots roots(snapshot.rootPaths);
     require(snapshot.schemaVersion == ProtectedSettingsSnapshot::currentSchemaVersion);
     require(std::isfinite(snapshot.timestamp.secondsSince2001));
     require(areDistinct(paths) && areDistinct(snapshot.rootPaths));
     require(std::ranges::all_of(snapshot.rootPaths, isAbsolute));
-    require(
-        std::ranges::all_of(paths, [&](const QString& path) { return isAbsolute(path) && liesUnder(roots, path); }));
+    require(std::ranges::all_of(paths, [&](const QString& path) { return isAbsolute(path) && roots.contain(path); }));
     require(std::ranges::all_of(snapshot.files, hasFingerprintIfNeeded));
-    require(pathSet.contains(roots));
+    require(pathSet.contains(roots.paths()));
 }
 
 ProtectedSettingsSnapshot ProtectedSettingsBaseline::decode(QByteArrayView json) {
