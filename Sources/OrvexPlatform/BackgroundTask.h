@@ -11,6 +11,9 @@
 
 namespace orvex::platform {
 
+/// Lets the system prefer other threads, and their children to this one's, from now on. For a thread of the pool.
+void lowerThreadPriority();
+
 /// The threads for work of low priority that may sit in a wait, such as that for a child process: never fewer than
 /// four, so that a fresh reading does not queue behind a long pass. Any thread.
 [[nodiscard]] QThreadPool& utilityPool();
@@ -24,6 +27,7 @@ template <typename Work>
     QFuture<Result> future = promise->future();
     promise->start();
     utilityPool().start([promise, work = std::move(work)] {
+        lowerThreadPriority();
         try {
             promise->addResult(work());
         } catch (...) {

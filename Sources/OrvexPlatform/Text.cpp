@@ -1,5 +1,6 @@
 #include "Text.h"
 
+#include <QStringDecoder>
 #include <QTextBoundaryFinder>
 
 namespace orvex::platform {
@@ -18,10 +19,26 @@ char16_t scalarRank(QChar unit) {
     return static_cast<char16_t>(value < behindSurrogates ? value + (0x10000 - behindSurrogates) : value - surrogates);
 }
 
+QStringDecoder strictDecoder() {
+    // Without state, a sequence that the end cuts is invalid, too.
+    return QStringDecoder(QStringDecoder::Utf8,
+                          QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+}
+
 } // namespace
 
 bool ScalarOrder::operator()(const QString& first, const QString& second) const {
     return std::ranges::lexicographical_compare(first, second, {}, scalarRank, scalarRank);
+}
+
+QString textWithReplacements(QByteArrayView utf8) {
+    return strictDecoder().decode(utf8);
+}
+
+std::optional<QString> validText(QByteArrayView utf8) {
+    QStringDecoder decoder = strictDecoder();
+    QString text = decoder.decode(utf8);
+    return decoder.hasError() ? std::nullopt : std::optional(text);
 }
 
 QStringList filledLines(QStringView text) {

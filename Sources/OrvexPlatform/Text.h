@@ -1,10 +1,12 @@
 #pragma once
 
+#include <QByteArrayView>
 #include <QString>
 #include <QStringList>
 #include <QStringView>
 
 #include <algorithm>
+#include <optional>
 
 /// What text from outside is taken apart by. Newlines are LF, VT, FF, CR, U+0085, U+2028 and U+2029; white space is
 /// these, the tab and Unicode's space separators (QChar::isSpace).
@@ -37,6 +39,13 @@ template <typename IsSeparator>
     }
     return result;
 }
+
+/// Bytes as text. A byte order mark at the start stays: what it stands before is not what it would be without.
+/// Every invalid sequence becomes U+FFFD.
+[[nodiscard]] QString textWithReplacements(QByteArrayView utf8);
+
+/// The same; absent if a sequence is invalid.
+[[nodiscard]] std::optional<QString> validText(QByteArrayView utf8);
 
 /// The lines of a text, without empty ones.
 [[nodiscard]] QStringList filledLines(QStringView text);

@@ -91,11 +91,11 @@ std::optional<DriverOption> driverOption(QStringView line) {
 
 /// Whether a word such as "QUEUE-12" is the id of a job of that queue.
 bool isJobID(QStringView word, const QString& queueName) {
-    const QString prefix = queueName + u'-';
-    if (!word.startsWith(prefix)) {
+    const qsizetype dash = queueName.size();
+    if (!word.startsWith(queueName) || word.size() == dash || word[dash] != u'-') {
         return false;
     }
-    const QStringView number = word.sliced(prefix.size());
+    const QStringView number = word.sliced(dash + 1);
     return !number.isEmpty() && std::ranges::all_of(number, isASCIIDigit);
 }
 

@@ -4,9 +4,11 @@
 #include "OrvexLanguage.h"
 #include "Process/ChildProcess.h"
 #include "QueueDiscovery.h"
+#include "Text.h"
 #include "ToolCommand.h"
 
 #include <algorithm>
+#include <chrono>
 
 namespace orvex {
 
@@ -47,9 +49,8 @@ CUPSService::CUPSService(double timeoutSeconds, qint64 outputLimitBytes)
 
 InspectionResult CUPSService::run(const InspectionCommand& command, const std::stop_token& stop) const {
     try {
-        const platform::ChildResult child =
-            platform::runChild(toolCommand(command.executable(), command.arguments()), rules(*this), stop);
-        return {.output = QString::fromUtf8(child.output),
+        const platform::ChildResult child = platform::runChild(toolCommand(command), rules(*this), stop);
+        return {.output = platform::textWithReplacements(child.output),
                 .status = child.status,
                 .timedOut = child.end != platform::ChildEnd::ended,
                 .truncated = child.isOutputTooLarge};

@@ -23,7 +23,7 @@ QString InspectionResult::diagnostic(const QString& context) const {
                              "Output exceeded the safe length limit. Results are incomplete."));
     }
     if (status && *status != 0) {
-        sentences.append(spt("退出状态 %1。", "Exit status %1.").arg(*status));
+        sentences.append(spt("退出状态为 %1。", "Exit status %1.").arg(*status));
     }
     if (const QString words = platform::firstCharacters(output.trimmed(), shownCharacters); !words.isEmpty()) {
         sentences.append(words);

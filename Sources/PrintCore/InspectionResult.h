@@ -18,7 +18,8 @@ struct InspectionResult {
     /// Whether the tool ended well and all of its output is there.
     [[nodiscard]] bool isClean() const { return status == 0 && !timedOut && !truncated; }
 
-    /// One sentence for the user on a result that is not clean, beginning with `context`.
+    /// For the user, what went wrong with a result that is not clean: `context`, what the program knows, and the first
+    /// 1500 characters of the tool's own words, joined by blanks.
     [[nodiscard]] QString diagnostic(const QString& context) const;
 
     bool operator==(const InspectionResult&) const = default;

@@ -1,40 +1,21 @@
 #include "PrintModels.h"
 
-#include <QJsonArray>
+#include "Json/JsonRecords.h"
 
 namespace orvex {
 
-namespace {
-
-template <typename Record>
-QJsonArray jsonArray(const QList<Record>& records) {
-    QJsonArray array;
-    for (const Record& record : records) {
-        array.append(record.toJson());
-    }
-    return array;
-}
-
-} // namespace
-
 DriverOption DriverOption::fromJson(const platform::JsonReader& reader) {
-    DriverOption option{.keyword = reader.at("keyword").text(),
-                        .label = reader.at("label").text(),
-                        .choices = reader.at("choices").texts(),
-                        .defaultChoice = std::nullopt};
-    if (const auto choice = reader.find("defaultChoice")) {
-        option.defaultChoice = choice->text();
-    }
-    return option;
+    return {.keyword = reader.at("keyword").text(),
+            .label = reader.at("label").text(),
+            .choices = reader.at("choices").texts(),
+            .defaultChoice = platform::findText(reader, "defaultChoice")};
 }
 
 QJsonObject DriverOption::toJson() const {
     QJsonObject json{{QStringLiteral("keyword"), keyword},
                      {QStringLiteral("label"), label},
                      {QStringLiteral("choices"), QJsonArray::fromStringList(choices)}};
-    if (defaultChoice) {
-        json.insert(QStringLiteral("defaultChoice"), *defaultChoice);
-    }
+    platform::insertIfPresent(json, QStringLiteral("defaultChoice"), defaultChoice);
     return json;
 }
 
@@ -46,8 +27,8 @@ QJsonObject PrinterSnapshot::toJson() const {
     return {{QStringLiteral("name"), name},
             {QStringLiteral("summary"), summary},
             {QStringLiteral("deviceURI"), deviceURI},
-            {QStringLiteral("options"), jsonArray(options)},
-            {QStringLiteral("jobs"), jsonArray(jobs)},
+            {QStringLiteral("options"), platform::jsonArray(options)},
+            {QStringLiteral("jobs"), platform::jsonArray(jobs)},
             {QStringLiteral("capturedAt"), capturedAt.toJson("capturedAt")},
             {QStringLiteral("diagnostic"), diagnostic}};
 }

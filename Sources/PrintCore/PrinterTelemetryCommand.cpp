@@ -69,10 +69,12 @@ QString percentEncoded(const QString& queueName) {
 } // namespace
 
 bool PrinterTelemetryCommand::isValidQueueName(const QString& text) {
-    const bool isSized = !text.isEmpty() && text.toUtf8().size() <= longestQueueNameBytes;
-    const bool isFolderName = text == u"." || text == u"..";
-    const QList<uint> scalars = text.toUcs4();
-    return isSized && !isFolderName && std::ranges::all_of(scalars, isQueueNameScalar) && text.isValidUtf16();
+    const bool isSized = !text.isEmpty() && text.size() <= longestQueueNameBytes && //
+                         text.toUtf8().size() <= longestQueueNameBytes;
+    if (!isSized || text == u"." || text == u".." || !text.isValidUtf16()) {
+        return false;
+    }
+    return std::ranges::all_of(text.toUcs4(), isQueueNameScalar);
 }
 
 bool PrinterTelemetryCommand::isReadOnlyTestScript(const QString& text) {

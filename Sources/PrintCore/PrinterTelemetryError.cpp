@@ -9,7 +9,7 @@ PrinterTelemetryError PrinterTelemetryError::unavailable(const QString& reason) 
 }
 
 PrinterTelemetryError PrinterTelemetryError::invalidQueueName() {
-    return {Case::invalidQueueName, spt("本机打印队列名称无效。", "Invalid local print queue name.")};
+    return {Case::invalidQueueName, spt("本机系统打印队列名称无效。", "Invalid local print queue name.")};
 }
 
 PrinterTelemetryError PrinterTelemetryError::invalidResponse() {

@@ -9,9 +9,10 @@
 #include "PrinterTelemetryError.h"
 #include "PrinterTelemetryParser.h"
 #include "Process/ChildProcess.h"
+#include "Text.h"
 #include "ToolCommand.h"
 
-#include <QStringDecoder>
+#include <chrono>
 
 namespace orvex {
 
@@ -48,19 +49,18 @@ void requireReadOnlyTestScript() {
     if (bytes.size() > PrinterTelemetryCommand::largestTestScriptBytes) {
         throw PrinterTelemetryError::unsafeTestScript();
     }
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
-    const QString text = decoder.decode(bytes);
-    if (decoder.hasError()) {
+    const auto text = platform::validText(bytes);
+    if (!text) {
         throw noScript();
     }
-    if (!PrinterTelemetryCommand::isReadOnlyTestScript(text)) {
+    if (!PrinterTelemetryCommand::isReadOnlyTestScript(*text)) {
         throw PrinterTelemetryError::unsafeTestScript();
     }
 }
 
 platform::ChildResult runTool(const PrinterTelemetryCommand& command, const std::stop_token& stop) {
     try {
-        return platform::runChild(toolCommand(command.executable(), command.arguments()), rules, stop);
+        return platform::runChild(toolCommand(command), rules, stop);
     } catch (const platform::ChildStartError& error) {
         throw PrinterTelemetryError::unavailable(
             error.stage() == platform::ChildStartError::Stage::pipes

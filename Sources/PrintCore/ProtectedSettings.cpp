@@ -1,8 +1,7 @@
 #include "ProtectedSettings.h"
 
+#include "Json/JsonRecords.h"
 #include "OrvexLanguage.h"
-
-#include <QJsonArray>
 
 #include <algorithm>
 #include <array>
@@ -39,19 +38,6 @@ Status readStatus(const JsonReader& reader) {
     reader.fail(spt("没有名为 %1 的状态。", "There is no status named %1.").arg(text));
 }
 
-void insertIfPresent(QJsonObject& json, const QString& key, const std::optional<ProtectedSettingsFile>& file) {
-    if (file) {
-        json.insert(key, file->toJson());
-    }
-}
-
-QJsonObject changeJson(const ProtectedSettingsChange& change) {
-    QJsonObject json{{QStringLiteral("path"), change.path}};
-    insertIfPresent(json, QStringLiteral("before"), change.before);
-    insertIfPresent(json, QStringLiteral("after"), change.after);
-    return json;
-}
-
 } // namespace
 
 bool ProtectedSettingsFile::isVerifiable() const {
@@ -70,56 +56,45 @@ bool ProtectedSettingsFile::isVerifiable() const {
 }
 
 ProtectedSettingsFile ProtectedSettingsFile::fromJson(const JsonReader& reader) {
-    ProtectedSettingsFile file{.path = reader.at("path").text(), .status = readStatus(reader.at("status"))};
-    if (const auto hash = reader.find("sha256")) {
-        file.sha256 = hash->text();
-    }
-    if (const auto sentence = reader.find("diagnostic")) {
-        file.diagnostic = sentence->text();
-    }
-    return file;
+    return {.path = reader.at("path").text(),
+            .status = readStatus(reader.at("status")),
+            .sha256 = platform::findText(reader, "sha256"),
+            .diagnostic = platform::findText(reader, "diagnostic")};
 }
 
 QJsonObject ProtectedSettingsFile::toJson() const {
     QJsonObject json{{QStringLiteral("path"), path}, {QStringLiteral("status"), statusText(status)}};
-    if (sha256) {
-        json.insert(QStringLiteral("sha256"), *sha256);
-    }
-    if (diagnostic) {
-        json.insert(QStringLiteral("diagnostic"), *diagnostic);
-    }
+    platform::insertIfPresent(json, QStringLiteral("sha256"), sha256);
+    platform::insertIfPresent(json, QStringLiteral("diagnostic"), diagnostic);
     return json;
 }
 
 ProtectedSettingsSnapshot ProtectedSettingsSnapshot::fromJson(const JsonReader& reader) {
-    ProtectedSettingsSnapshot snapshot{.schemaVersion = reader.at("schemaVersion").integer(),
-                                       .timestamp = platform::Timestamp::fromJson(reader.at("timestamp")),
-                                       .rootPaths = reader.at("rootPaths").texts()};
-    const JsonReader files = reader.at("files");
-    const qsizetype count = files.count();
-    for (qsizetype index = 0; index < count; ++index) {
-        snapshot.files.append(ProtectedSettingsFile::fromJson(files.element(index)));
-    }
-    return snapshot;
+    return {.schemaVersion = reader.at("schemaVersion").integer(),
+            .timestamp = platform::Timestamp::fromJson(reader.at("timestamp")),
+            .rootPaths = reader.at("rootPaths").texts(),
+            .files = platform::readRecords<ProtectedSettingsFile>(reader.at("files"))};
 }
 
 QJsonObject ProtectedSettingsSnapshot::toJson() const {
-    QJsonArray fileArray;
-    for (const ProtectedSettingsFile& file : files) {
-        fileArray.append(file.toJson());
-    }
     return {{QStringLiteral("schemaVersion"), schemaVersion},
             {QStringLiteral("timestamp"), timestamp.toJson("timestamp")},
             {QStringLiteral("rootPaths"), QJsonArray::fromStringList(rootPaths)},
-            {QStringLiteral("files"), fileArray}};
+            {QStringLiteral("files"), platform::jsonArray(files)}};
+}
+
+QJsonObject ProtectedSettingsChange::toJson() const {
+    const auto jsonOf = [](const std::optional<ProtectedSettingsFile>& file) {
+        return file ? std::optional(file->toJson()) : std::nullopt;
+    };
+    QJsonObject json{{QStringLiteral("path"), path}};
+    platform::insertIfPresent(json, QStringLiteral("before"), jsonOf(before));
+    platform::insertIfPresent(json, QStringLiteral("after"), jsonOf(after));
+    return json;
 }
 
 QJsonObject SettingsPreservationComparison::toJson() const {
-    QJsonArray changeArray;
-    for (const ProtectedSettingsChange& change : changes) {
-        changeArray.append(changeJson(change));
-    }
-    return {{QStringLiteral("changes"), changeArray},
+    return {{QStringLiteral("changes"), platform::jsonArray(changes)},
             {QStringLiteral("unverifiablePaths"), QJsonArray::fromStringList(unverifiablePaths)},
             {QStringLiteral("isUnchanged"), isUnchanged()}};
 }

@@ -58,6 +58,9 @@ struct ProtectedSettingsChange {
     std::optional<ProtectedSettingsFile> before;
     std::optional<ProtectedSettingsFile> after;
 
+    /// A side that is absent is left out.
+    [[nodiscard]] QJsonObject toJson() const;
+
     bool operator==(const ProtectedSettingsChange&) const = default;
 };
 

@@ -73,6 +73,17 @@ private:
     std::set<qsizetype> sizes_;
 };
 
+/// A baseline file is the one thing that is written, and never in a place that it speaks of.
+void requireOutsideOfRoots(const QString& path, const ProtectedSettingsSnapshot& snapshot) {
+    QStringList roots;
+    for (const QString& root : snapshot.rootPaths) {
+        roots.append(platform::resolvingSymlinks(root));
+    }
+    if (Roots(roots).contain(platform::resolvingSymlinks(path))) {
+        throw ProtectedPlaceError(path);
+    }
+}
+
 bool isFingerprint(const std::optional<QString>& text) {
     constexpr qsizetype digits = 64;
     const auto isDigit = [](QChar digit) {
@@ -104,6 +115,11 @@ InvalidBaselineError::InvalidBaselineError()
                   "The settings protection baseline is invalid or its version is unsupported. The original file was "
                   "kept.")) {}
 
+ProtectedPlaceError::ProtectedPlaceError(const QString& path)
+    : Failure(spt("设置基线不能存放在受保护的路径“%1”中。请另选位置。",
+                  "The settings baseline cannot be kept in the protected path \"%1\". Choose another place.")
+                  .arg(path)) {}
+
 void ProtectedSettingsBaseline::validate(const ProtectedSettingsSnapshot& snapshot) {
     const QStringList paths = pathsOf(snapshot.files);
     const QSet<QString> pathSet(paths.begin(), paths.end());
@@ -131,6 +147,7 @@ std::optional<ProtectedSettingsSnapshot> ProtectedSettingsBaseline::load(const Q
 void ProtectedSettingsBaseline::save(const ProtectedSettingsSnapshot& snapshot, const QString& path) {
     static_cast<void>(load(path)); // one that cannot be understood is not replaced
     validate(snapshot);
+    requireOutsideOfRoots(path, snapshot);
     platform::FileReplacer::replace(path, platform::writeJson(snapshot.toJson(), platform::JsonForm::pretty));
 }
 
@@ -140,8 +157,8 @@ ProtectedSettingsBaselineStore::ProtectedSettingsBaselineStore(const std::option
 }
 
 QUrl ProtectedSettingsBaselineStore::fileURL() const {
-    return QUrl::fromLocalFile(platform::localPath(directory_) +
-                               QStringLiteral("/settings-preservation-baseline.json"));
+    const QString name = QStringLiteral("/settings-preservation-baseline.json");
+    return QUrl::fromLocalFile(platform::standardizedPath(platform::localPath(directory_) + name));
 }
 
 std::optional<ProtectedSettingsSnapshot> ProtectedSettingsBaselineStore::load() const {

@@ -21,6 +21,12 @@ public:
     [[nodiscard]] static int code() { return 1; }
 };
 
+/// A place for a baseline that is itself protected, so that nothing may be written there.
+class ProtectedPlaceError : public Failure {
+public:
+    explicit ProtectedPlaceError(const QString& path);
+};
+
 /// The rules and the file form of a baseline, the snapshot that later ones are compared with. Any thread.
 class ProtectedSettingsBaseline {
 public:
@@ -38,7 +44,7 @@ public:
     [[nodiscard]] static std::optional<ProtectedSettingsSnapshot> load(const QString& path);
 
     /// Writes a baseline file, or replaces one. Raises what `load` raises for a file that cannot be understood, and
-    /// leaves that as it is.
+    /// leaves that as it is; and ProtectedPlaceError for an absolute path in one of the snapshot's own roots.
     static void save(const ProtectedSettingsSnapshot& snapshot, const QString& path);
 };
 

@@ -36,13 +36,13 @@ void tell(QStringList& lines, const InspectionResult& result, const QString& con
 
 void tellOfOptions(QStringList& lines, const InspectionResult& result, bool hasOptions) {
     if (!result.isClean()) {
-        lines.append(result.diagnostic(spt("无法读取驱动选项", "Cannot read driver options")));
+        lines.append(result.diagnostic(spt("无法读取驱动选项。", "Cannot read driver options")));
     } else if (!hasOptions) {
-        lines.append(spt("驱动没有返回可读取的选项，因此无法据此确定介质或裁切能力。",
+        lines.append(spt("驱动没有返回可读取的驱动选项，不能据此认定介质或裁切能力。",
                          "The driver returned no readable options. This does not establish media or cutting "
                          "capabilities."));
     } else if (lines.isEmpty()) {
-        lines.append(spt("已对本机 CUPS 作只读检查。设备连接、硬件错误和裁切行为请在打印机面板上确认。",
+        lines.append(spt("已只读检查本机 CUPS。请在打印机面板上确认设备连接、硬件错误和裁切行为。",
                          "Local CUPS was inspected read-only. Confirm device connectivity, hardware errors and cutting "
                          "behavior on the printer panel."));
     }
@@ -64,7 +64,7 @@ QList<PrinterSnapshot> QueueDiscovery::snapshots() const {
             return {};
         }
         throw CUPSInspectionError::inspectionFailed(
-            answers.statuses.diagnostic(spt("无法读取本机 CUPS 打印机", "Cannot read local CUPS printers")));
+            answers.statuses.diagnostic(spt("无法读取本机 CUPS 打印机。", "Cannot read local CUPS printers")));
     }
     answers.devices = ask(InspectionCommand::deviceURIs());
     answers.jobs = ask(InspectionCommand::pendingJobs());
@@ -84,12 +84,12 @@ PrinterSnapshot QueueDiscovery::snapshot(const PrinterStatus& queue, const Answe
         result.isClean() ? CUPSParsers::driverOptions(result.output) : QList<DriverOption>();
 
     QStringList lines;
-    tell(lines, answers.statuses, spt("队列状态不完整", "Queue status is incomplete"));
-    tell(lines, answers.devices, spt("无法读取设备地址", "Cannot read the device address"));
+    tell(lines, answers.statuses, spt("队列状态不完整。", "Queue status is incomplete"));
+    tell(lines, answers.devices, spt("无法读取设备地址。", "Cannot read the device address"));
     if (!answers.deviceURIs.contains(queue.name)) {
         lines.append(spt("此队列没有返回设备地址。", "This queue did not return a device address."));
     }
-    tell(lines, answers.jobs, spt("无法读取系统任务列表", "Cannot read the system job list"));
+    tell(lines, answers.jobs, spt("无法读取系统任务列表。", "Cannot read the system job list"));
     tellOfOptions(lines, result, !options.isEmpty());
 
     return {.name = queue.name,

@@ -48,6 +48,16 @@ QString onOneLine(QString text) {
     return text.trimmed();
 }
 
+QString lettersAndDigits(const QString& text) {
+    QString kept;
+    for (const uint scalar : text.toUcs4()) {
+        if (platform::isLetterOrDigit(scalar)) {
+            kept.append(QChar::fromUcs4(scalar));
+        }
+    }
+    return kept;
+}
+
 } // namespace
 
 QString rawText(NativePrintReadinessState state) {
@@ -66,7 +76,7 @@ NativePrintReadinessAssessment
 NativePrintReadinessPolicy::evaluate(const std::optional<PrinterTelemetrySnapshot>& telemetry,
                                      const QString& queueName) {
     if (queueName.isEmpty()) {
-        return unknown(spt("请先选择一台已配置好的打印机。", "Select an existing configured printer first."));
+        return unknown(spt("请先选择一台系统中已配置好的打印机。", "Select an existing configured printer first."));
     }
     if (!telemetry || telemetry->queueName != queueName) {
         return unknown(spt("无法确认所选系统打印队列的状态，未打开打印。请刷新打印机后重试。",
@@ -76,7 +86,7 @@ NativePrintReadinessPolicy::evaluate(const std::optional<PrinterTelemetrySnapsho
     const QString detail = backendDetail(*telemetry);
     if (isStopped(*telemetry)) {
         return unavailable(
-            spt("系统打印队列已停止、被停用或正在报告错误，无法直接打印。请先在佳能软件或系统打印队列中解决问题；"
+            spt("系统打印队列已停止、已停用或正在报告错误，无法直接打印。请先在佳能软件或系统打印队列中解决问题；"
                 "本程序不会自动启用队列。",
                 "The system print queue is stopped, disabled or reporting an error. Direct printing is unavailable. "
                 "Resolve the issue in Canon or the system queue first; the app will not enable the queue "
@@ -84,18 +94,20 @@ NativePrintReadinessPolicy::evaluate(const std::optional<PrinterTelemetrySnapsho
             detail);
     }
     if (telemetry->isAcceptingJobs == false) {
-        return unavailable(spt("系统打印队列不接受任务，无法直接打印。请先检查系统打印队列；本程序不会更改队列设置。",
-                               "The system queue is not accepting jobs. Direct printing is unavailable. Check the "
-                               "system queue first; the app will not change queue settings.") +
-                           detail);
+        return unavailable(
+            spt("系统打印队列目前不接受任务，无法直接打印。请先检查系统打印队列；本程序不会更改队列设置。",
+                "The system queue is not accepting jobs. Direct printing is unavailable. Check the "
+                "system queue first; the app will not change queue settings.") +
+            detail);
     }
     if (isReady(*telemetry)) {
         return {.state = NativePrintReadinessState::ready, .blockingReason = std::nullopt};
     }
-    return unknown(spt("无法确认系统打印队列已准备好接受任务，未打开打印。请刷新打印机，并检查佳能软件或系统打印队列。",
-                       "The system queue could not be confirmed ready to accept jobs. Print was not opened. Refresh "
-                       "printers and check Canon or the system queue.") +
-                   detail);
+    return unknown(
+        spt("无法确认系统打印队列已准备好接受任务，未打开打印。请刷新打印机，并在佳能软件或系统打印队列中查看。",
+            "The system queue could not be confirmed ready to accept jobs. Print was not opened. Refresh "
+            "printers and check Canon or the system queue.") +
+        detail);
 }
 
 QString NativePrintReadinessPolicy::backendDetail(const PrinterTelemetrySnapshot& telemetry) {
@@ -115,15 +127,13 @@ bool ManualCuttingPolicy::isCutterCandidate(const DriverOption& option) {
     static const QStringList cutterWords{
         QStringLiteral("cutter"),    QStringLiteral("cutting"),  QStringLiteral("autocut"),  QStringLiteral("cutmode"),
         QStringLiteral("cutmethod"), QStringLiteral("cutmedia"), QStringLiteral("cutpolicy")};
-    QList<uint> scalars = (option.keyword + u' ' + option.label).toLower().toUcs4();
-    scalars.removeIf([](uint scalar) { return !platform::isLetterOrDigit(scalar); });
-    const QString text = QString::fromUcs4(reinterpret_cast<const char32_t*>(scalars.constData()), scalars.size());
+    const QString text = lettersAndDigits((option.keyword + u' ' + option.label).toLower());
     return std::ranges::any_of(cutterWords, [&](const QString& word) { return text.contains(word); });
 }
 
 ManualCuttingAssessment ManualCuttingPolicy::evaluate(const std::optional<PrinterSnapshot>& snapshot) {
     if (!snapshot) {
-        return {.blockingReason = spt("未选择打印机。Manual Cutting 未经核实，无人值守自动发送保持锁定。",
+        return {.blockingReason = spt("未选择打印机。Manual Cutting 未经核实，无人值守自动发送已锁定。",
                                       "No printer is selected. Manual Cutting is unverified; unattended automatic "
                                       "submission is locked."),
                 .candidateOptions = {}};
@@ -137,16 +147,17 @@ ManualCuttingAssessment ManualCuttingPolicy::evaluate(const std::optional<Printe
         }
     }
     if (candidates.isEmpty()) {
-        return {.blockingReason = spt("CUPS 或驱动没有提供可识别的裁切控制。PageSize 中的 _CUT 表示单张纸，不表示刀具"
-                                      "已停用。无法核实 Manual Cutting，无人值守自动发送保持锁定。",
-                                      "CUPS/the driver exposes no recognized cutting control. _CUT in PageSize means "
-                                      "cut-sheet paper, not a disabled cutter. Manual Cutting cannot be verified; "
-                                      "unattended automatic submission is locked."),
+        return {.blockingReason =
+                    spt("CUPS 或驱动没有提供可识别的裁切控制选项。PageSize 中的 _CUT 表示单页纸，不表示刀具"
+                        "已停用。无法核实 Manual Cutting，无人值守自动发送已锁定。",
+                        "CUPS/the driver exposes no recognized cutting control. _CUT in PageSize means "
+                        "cut-sheet paper, not a disabled cutter. Manual Cutting cannot be verified; "
+                        "unattended automatic submission is locked."),
                 .candidateOptions = {}};
     }
     return {.blockingReason =
-                spt("可能与裁切有关的驱动选项：%1。目前没有经过核实的 iPF9400 对应关系或设备验证。选项名称"
-                    "和 Manual 一词都不能证明刀具已停用。无人值守自动发送保持锁定。",
+                spt("可能与裁切有关的驱动选项：%1。目前没有经核实的 iPF9400 对应关系，也没有经过设备验证。选项名称"
+                    "和 Manual 一词都不能证明刀具已停用。无人值守自动发送已锁定。",
                     "Possible cutting-related driver options: %1. No verified iPF9400 mapping or device "
                     "validation is available. Option names and the word Manual do not prove the cutter "
                     "is disabled. Unattended automatic submission is locked.")

@@ -47,7 +47,7 @@ void SettingsCapture::add(const QUrl& location) {
     try {
         capture(platform::nativePath(path));
     } catch (const platform::FileSystemError& error) {
-        recordFailure(path.toUtf8(), error); // no path that the system could know
+        record(path.toUtf8(), unreadable(error.message())); // no path that the system could know
     }
 }
 
@@ -106,7 +106,7 @@ void SettingsCapture::captureLink(const QByteArray& path) {
     record(path, {.path = {},
                   .status = Status::symbolicLink,
                   .sha256 = platform::sha256Hex(platform::linkTarget(path)),
-                  .diagnostic = spt("已记录链接的目标，但没有跟随链接，因此无法确认此路径未变。",
+                  .diagnostic = spt("已记录链接目标，但未跟随链接，无法确认此路径没有变化。",
                                     "The link target was recorded without following it. This path cannot be confirmed "
                                     "unchanged.")});
 }
@@ -133,7 +133,7 @@ void SettingsCapture::record(const QByteArray& path, ProtectedSettingsFile file)
         known->second.file.status = Status::unreadable;
         known->second.file.sha256.reset();
         known->second.file.diagnostic =
-            spt("有多个项目的名称不是有效文本，显示出来完全相同，无法区分。",
+            spt("有多个项目的名称不是有效文本，显示时完全相同，无法区分。",
                 "Several items have names that are not valid text and look the same. They cannot be told apart.");
         return;
     }

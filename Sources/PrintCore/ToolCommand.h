@@ -1,20 +1,14 @@
 #pragma once
 
+#include "InspectionCommand.h"
+#include "PrinterTelemetryCommand.h"
 #include "Process/ChildProcess.h"
-
-#include <QByteArray>
-#include <QStringList>
 
 namespace orvex {
 
-/// A tool of the system, to be run with these arguments and with an environment of its own: its words are English
-/// whatever the user's language is, and no search path, home folder or server setting reaches it.
-[[nodiscard]] inline platform::ChildCommand toolCommand(const QByteArray& executable, const QStringList& arguments) {
-    platform::ChildCommand command{.executable = executable, .arguments = {}, .environment = {"LC_ALL=C", "LANG=C"}};
-    for (const QString& argument : arguments) {
-        command.arguments.append(argument.toUtf8());
-    }
-    return command;
-}
+/// One of the commands that read, ready to be run; there is no other way to one. Its environment is its own: its words
+/// are English whatever the user's language is, and no search path, home folder or server setting reaches it.
+[[nodiscard]] platform::ChildCommand toolCommand(const InspectionCommand& command);
+[[nodiscard]] platform::ChildCommand toolCommand(const PrinterTelemetryCommand& command);
 
 } // namespace orvex

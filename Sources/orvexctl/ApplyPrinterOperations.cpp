@@ -1,13 +1,12 @@
 #include "ApplyOperations.h"
 #include "CUPSParsers.h"
+#include "Json/JsonRecords.h"
 #include "PrinterAnswers.h"
 #include "PrinterTelemetryCommand.h"
 #include "PrinterTelemetryParser.h"
 #include "ProtectedSettingsBaseline.h"
 #include "ReadinessPolicies.h"
 #include "SettingsPreservationService.h"
-
-#include <QJsonArray>
 
 namespace orvex {
 
@@ -21,15 +20,6 @@ ApplyAnswer answerOf(const QJsonValue& result) {
 
 QString textOf(const ApplyRequest& request) {
     return request.args.at("text").text();
-}
-
-template <typename Record>
-QJsonArray arrayOf(const QList<Record>& records) {
-    QJsonArray array;
-    for (const Record& record : records) {
-        array.append(record.toJson());
-    }
-    return array;
 }
 
 // What the tools print
@@ -53,11 +43,11 @@ ApplyAnswer deviceURIs(const ApplyRequest& request) {
 }
 
 ApplyAnswer driverOptions(const ApplyRequest& request) {
-    return answerOf(arrayOf(CUPSParsers::driverOptions(textOf(request))));
+    return answerOf(platform::jsonArray(CUPSParsers::driverOptions(textOf(request))));
 }
 
 ApplyAnswer jobs(const ApplyRequest& request) {
-    return answerOf(arrayOf(CUPSParsers::jobs(textOf(request), request.args.at("queueName").text())));
+    return answerOf(platform::jsonArray(CUPSParsers::jobs(textOf(request), request.args.at("queueName").text())));
 }
 
 // A queue's state
@@ -90,18 +80,16 @@ std::optional<PrinterSnapshot> printerWithOptions(const std::optional<JsonReader
         return std::nullopt;
     }
     PrinterSnapshot snapshot;
-    const qsizetype count = json->count();
-    for (qsizetype index = 0; index < count; ++index) {
-        snapshot.options.append(DriverOption::fromJson(json->element(index)));
-    }
+    snapshot.options = platform::readRecords<DriverOption>(*json);
     return snapshot;
 }
 
 ApplyAnswer cutting(const ApplyRequest& request) {
     const auto assessment = ManualCuttingPolicy::evaluate(printerWithOptions(request.args.find("options")));
-    return answerOf(QJsonObject{{QStringLiteral("isAllowed"), assessment.isAllowed},
-                                {QStringLiteral("blockingReason"), assessment.blockingReason},
-                                {QStringLiteral("candidateOptions"), arrayOf(assessment.candidateOptions)}});
+    return answerOf(
+        QJsonObject{{QStringLiteral("isAllowed"), assessment.isAllowed},
+                    {QStringLiteral("blockingReason"), assessment.blockingReason},
+                    {QStringLiteral("candidateOptions"), platform::jsonArray(assessment.candidateOptions)}});
 }
 
 // Settings

@@ -8,6 +8,7 @@
 
 #include <QLocale>
 
+#include <algorithm>
 #include <iostream>
 
 namespace orvex {
@@ -83,6 +84,30 @@ void useLanguageOfArguments(int argc, const char* const* argv) {
     }
 }
 
+/// Whether an argument stands behind an option that takes it as its value.
+bool isValueOf(const CLI::App& app, const std::string& previous) {
+    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+        if (const CLI::Option* option = command->get_option_no_throw(previous)) {
+            return option->get_items_expected_max() > 0;
+        }
+    }
+    return false;
+}
+
+/// The arguments as the parser takes them, last first. It would take a file name in brackets apart, as a list of
+/// several.
+std::vector<std::string> parserArguments(const CLI::App& app, int argc, const char* const* argv) {
+    std::vector<std::string> arguments;
+    for (int index = 1; index < argc; ++index) {
+        const std::string argument = argv[index];
+        const bool isBracketed = argument.starts_with('[') && argument.ends_with(']');
+        const bool isFileName = isBracketed && !isValueOf(app, argv[index - 1]);
+        arguments.push_back(isFileName ? "./" + argument : argument);
+    }
+    std::reverse(arguments.begin(), arguments.end());
+    return arguments;
+}
+
 int run(int argc, const char* const* argv) {
     const Interruption interruption;
     useLanguageOfArguments(argc, argv);
@@ -93,7 +118,7 @@ int run(int argc, const char* const* argv) {
         "orvexctl");
     addCommands(app, context);
     try {
-        app.parse(argc, argv);
+        app.parse(parserArguments(app, argc, argv));
         return context.exitStatus;
     } catch (const CLI::ParseError& error) {
         return usageStatus(app, error);

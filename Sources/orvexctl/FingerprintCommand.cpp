@@ -26,6 +26,9 @@ struct FingerprintOptions {
 /// A path that its text leads to. Another's fingerprint would be that of nothing, or of something else.
 QString pathText(const std::string& argument) {
     const QString text = argumentText(argument);
+    if (text.isEmpty()) {
+        throw OrvexError::invalid(spt("路径为空。", "A path is empty.")); // it would lead to the current folder
+    }
     if (QFile::encodeName(text).toStdString() != argument) {
         throw OrvexError::invalid(
             spt("路径“%1”不是有效的 UTF-8 文本。", "The path \"%1\" is not valid UTF-8 text.").arg(text));
@@ -44,7 +47,7 @@ QList<QUrl> locations(const std::vector<std::string>& paths) {
 QList<QUrl> rootsOf(const ProtectedSettingsSnapshot& baseline) {
     QList<QUrl> roots;
     for (const QString& path : baseline.rootPaths) {
-        roots.append(QUrl::fromLocalFile(path));
+        roots.append(QUrl::fromLocalFile(platform::standardizedPath(path)));
     }
     return roots;
 }
@@ -68,14 +71,13 @@ void compareWithBaseline(const QString& path, const CommandContext& context) {
 }
 
 void runFingerprint(const FingerprintOptions& options, const CommandContext& context) {
-    const QString baseline = argumentText(options.baseline);
     if (options.paths.empty()) {
-        compareWithBaseline(baseline, context);
+        compareWithBaseline(pathText(options.baseline), context);
         return;
     }
     const auto snapshot = SettingsPreservationService::capture(locations(options.paths), context.stop);
     if (options.isSaving) {
-        ProtectedSettingsBaseline::save(snapshot, baseline);
+        ProtectedSettingsBaseline::save(snapshot, platform::localPath(platform::fileUrl(pathText(options.baseline))));
     }
     printResult(snapshot.toJson());
 }
@@ -96,15 +98,18 @@ void requireOneForm(const FingerprintOptions& options) {
 
 void addFingerprintCommand(CLI::App& app, CommandContext& context) {
     CLI::App* command = app.add_subcommand(
-        "fingerprint", description("记录设置文件的指纹，或与设置基线比较；不更改这些文件",
+        "fingerprint", description("记录设置指纹，或与设置基线比较；不更改设置文件",
                                    "take the fingerprints of settings files, or compare them with a baseline; the "
                                    "files are not changed"));
     const auto options = std::make_shared<FingerprintOptions>();
     command->add_option("PATH", options->paths, description("文件或文件夹", "files or folders"))->type_name("");
-    command->add_option("--baseline", options->baseline, description("设置基线文件", "the settings baseline"))
+    command
+        ->add_option("--baseline", options->baseline,
+                     description("设置基线文件；“-”表示从标准输入读取",
+                                 "the settings baseline; - reads one from standard input"))
         ->type_name("FILE");
     command->add_flag("--save", options->isSaving,
-                      description("将指纹存为设置基线", "save the fingerprints as the settings baseline"));
+                      description("将设置指纹存为设置基线", "save the fingerprints as the settings baseline"));
     command->callback([options, &context] {
         requireOneForm(*options);
         runFingerprint(*options, context);

@@ -2,19 +2,14 @@
 #include "CommandFiles.h"
 #include "CommandText.h"
 #include "Commands.h"
-
-#include <QJsonArray>
+#include "Json/JsonRecords.h"
 
 namespace orvex {
 
 namespace {
 
 void runPrinters(const CommandContext& context) {
-    QJsonArray printers;
-    for (const PrinterSnapshot& printer : CUPSService::standard().discover(context.stop).result()) {
-        printers.append(printer.toJson());
-    }
-    printResult(printers);
+    printResult(platform::jsonArray(CUPSService::standard().discover(context.stop).result()));
 }
 
 } // namespace

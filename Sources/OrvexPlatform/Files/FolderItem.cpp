@@ -1,6 +1,7 @@
 #include "Files/FolderItem.h"
 
 #include "Files/FileSystemError.h"
+#include "Files/FileTimes.h"
 
 #include <QFile>
 
@@ -62,8 +63,6 @@ bool isEntry(const QByteArray& name) {
 } // namespace
 
 ItemFacts ItemFacts::read(const QByteArray& path) {
-    constexpr qint64 nanosecondsPerSecond = 1'000'000'000;
-
     struct stat facts {};
 
     if (::lstat(path.constData(), &facts) != 0) {
@@ -72,7 +71,7 @@ ItemFacts ItemFacts::read(const QByteArray& path) {
     return {.kind = kindOf(facts.st_mode),
             .sizeBytes = facts.st_size,
             .fileNumber = facts.st_ino,
-            .modifiedNanoseconds = facts.st_mtim.tv_sec * nanosecondsPerSecond + facts.st_mtim.tv_nsec};
+            .modifiedNanoseconds = modifiedNanosecondsOf(facts)};
 }
 
 QByteArrayList folderEntries(const QByteArray& path) {

@@ -39,10 +39,10 @@ public:
     FileActions(const ChildCommand& command, const ChildOutput& output) {
         requireLaunched(::posix_spawn_file_actions_init(&actions_), command);
         // The pipes go first: an end of theirs may itself stand where the null device comes.
-        ::posix_spawn_file_actions_adddup2(&actions_, output.standardOutput(), STDOUT_FILENO);
-        ::posix_spawn_file_actions_adddup2(&actions_, output.standardError(), STDERR_FILENO);
-        ::posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        ::posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
+        requireLaunched(::posix_spawn_file_actions_adddup2(&actions_, output.standardOutput(), STDOUT_FILENO), command);
+        requireLaunched(::posix_spawn_file_actions_adddup2(&actions_, output.standardError(), STDERR_FILENO), command);
+        requireLaunched(::posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0), command);
+        requireLaunched(::posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1), command);
     }
 
     ~FileActions() { ::posix_spawn_file_actions_destroy(&actions_); }
@@ -66,9 +66,11 @@ public:
         sigset_t all;
         sigemptyset(&none);
         sigfillset(&all);
-        ::posix_spawnattr_setsigmask(&attributes_, &none);
-        ::posix_spawnattr_setsigdefault(&attributes_, &all);
-        ::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+        requireLaunched(::posix_spawnattr_setsigmask(&attributes_, &none), command);
+        requireLaunched(::posix_spawnattr_setsigdefault(&attributes_, &all), command);
+        requireLaunched(::posix_spawnattr_setflags(&attributes_,
+                                                   POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF),
+                        command);
     }
 
     ~Attributes() { ::posix_spawnattr_destroy(&attributes_); }
@@ -112,11 +114,8 @@ pid_t launch(const ChildCommand& command, const ChildOutput& output) {
     return process;
 }
 
-qint32 statusOf(int raw) {
-    return WIFSIGNALED(raw) ? WTERMSIG(raw) : WEXITSTATUS(raw);
-}
-
-/// A started child; it is reaped in any case.
+/// A started child; it is reaped in any case. Until then its number, and that of the group that it leads, stay its own,
+/// even when it has ended.
 class Child {
 public:
     explicit Child(pid_t process) : process_(process) {}
@@ -124,6 +123,8 @@ public:
     ~Child() {
         if (isRunning()) {
             reapLater();
+        } else if (!isGone_) {
+            ::waitpid(process_, nullptr, 0);
         }
     }
 
@@ -131,22 +132,27 @@ public:
     Child& operator=(const Child&) = delete;
 
     [[nodiscard]] bool isRunning() {
-        int raw = 0;
-        if (isReaped_) {
+        if (isGone_ || status_) {
             return false;
         }
-        const pid_t ended = ::waitpid(process_, &raw, WNOHANG);
-        if (ended == process_) {
-            status_ = statusOf(raw);
+        siginfo_t ended{};
+        // A failure means that there is no such child any more: the system has reaped it.
+        isGone_ = ::waitid(P_PID, static_cast<id_t>(process_), &ended, WEXITED | WNOHANG | WNOWAIT) != 0;
+        if (ended.si_pid == process_) {
+            status_ = ended.si_status;
         }
-        isReaped_ = ended != 0; // a negative answer means that there is no such child any more
-        return !isReaped_;
+        return !isGone_ && !status_;
     }
 
+    /// The exit status or the number of the signal that ended it; absent while it runs.
     [[nodiscard]] std::optional<qint32> status() const { return status_; }
 
-    /// Reaches the whole group that the child leads, unless it has left that.
-    void signal(int number) const { ::kill(::getpgid(process_) == process_ ? -process_ : process_, number); }
+    /// Reaches all that is left of the group that the child leads, or the child alone if it has left that.
+    void signal(int number) const {
+        if (!isGone_) {
+            ::kill(::getpgid(process_) == process_ ? -process_ : process_, number);
+        }
+    }
 
 private:
     void reapLater() const {
@@ -158,7 +164,7 @@ private:
     }
 
     pid_t process_;
-    bool isReaped_ = false;
+    bool isGone_ = false;
     std::optional<qint32> status_;
 };
 
@@ -187,10 +193,8 @@ public:
     void stopChild() {
         child_.signal(SIGTERM);
         await(rules_.terminationGrace);
-        if (child_.isRunning()) {
-            child_.signal(SIGKILL);
-            await(rules_.killGrace);
-        }
+        child_.signal(SIGKILL); // what it has started may still run when it does not
+        await(rules_.killGrace);
     }
 
 private:

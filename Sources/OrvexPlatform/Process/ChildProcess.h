@@ -33,15 +33,15 @@ enum class ChildOverflow {
 
 /// How a child is watched. All times are those of the monotonic clock.
 struct ChildRules {
-    ChildPipes pipes = ChildPipes::shared;
-    ChildOverflow overflow = ChildOverflow::discarded;
-    qsizetype outputLimitBytes = 0;
-    int readsPerTurn = 0;                          ///< of at most 8192 bytes each, from each pipe
-    std::chrono::duration<double> timeout{0.0};    ///< then the child is stopped
-    std::chrono::milliseconds pollStep{0};         ///< between two looks at a child that runs
-    std::chrono::milliseconds terminationGrace{0}; ///< between SIGTERM and SIGKILL
-    std::chrono::milliseconds killGrace{0};        ///< then a child that still runs is left to the system
-    std::chrono::milliseconds graceStep{0};        ///< between two looks at a child that was asked to stop
+    ChildPipes pipes;
+    ChildOverflow overflow;
+    qsizetype outputLimitBytes;
+    int readsPerTurn;                           ///< of at most 8192 bytes each, from each pipe
+    std::chrono::duration<double> timeout;      ///< then the child is stopped
+    std::chrono::milliseconds pollStep;         ///< between two looks at a child that runs
+    std::chrono::milliseconds terminationGrace; ///< between SIGTERM and SIGKILL
+    std::chrono::milliseconds killGrace;        ///< then a child that still runs is left to the system
+    std::chrono::milliseconds graceStep;        ///< between two looks at a child that was asked to stop
 };
 
 /// Why the watching of a child ended.
@@ -71,12 +71,14 @@ private:
 };
 
 /// Runs a child process to its end, or until it is given up: at the deadline, on a stop request, or for too much
-/// output. It is then asked to stop by SIGTERM and, after a grace, ended by SIGKILL, with what it has started.
+/// output. It is then asked to stop by SIGTERM and, after a grace, ended by SIGKILL, and so is all that it has started,
+/// as far as that has not made itself a session of its own.
 ///
 /// The child has the null device as standard input, no controlling terminal, no signal blocked or ignored, and no file
 /// of this process but its pipes. It is polled, so a call returns within the timeout, both graces and one turn of
-/// reading. A child that outlives even that is reaped whenever it ends. What a child leaves behind in other processes
-/// is not waited for. Raises ChildStartError. Blocks; any thread.
+/// reading. A child that outlives even that is reaped whenever it ends. What a child that ends by itself leaves behind
+/// is neither waited for nor ended. This process must not ignore SIGCHLD: the system would throw the status away. If it
+/// is itself killed, the child goes on by itself. Raises ChildStartError. Blocks; any thread.
 [[nodiscard]] ChildResult runChild(const ChildCommand& command, const ChildRules& rules,
                                    const std::stop_token& stop = {});
 

@@ -5,6 +5,7 @@
 #include <QByteArrayView>
 #include <QString>
 
+#include <concepts>
 #include <map>
 #include <optional>
 #include <variant>
@@ -32,11 +33,15 @@ public:
     PropertyList() : value_(OpaqueProperty{}) {}
 
     template <typename Value>
-    explicit PropertyList(Value value) : value_(std::move(value)) {}
+
+    requires(std::same_as<Value, Dictionary> || std::same_as<Value, Array> || std::same_as<Value, QString> ||
+             std::same_as<Value, PropertyNumber> || std::same_as<Value, bool>) explicit PropertyList(Value value)
+        : value_(std::move(value)) {}
 
     /// The value of an XML property list. Raises PropertyListError for anything else: XML that is not well-formed,
-    /// declares entities or nests deeper than 128 levels, elements that are unknown or out of place, numbers that are
-    /// none. The last of equal keys counts. Memory is bounded by a multiple of the bytes given. Any thread.
+    /// declares or refers to entities of its own, or nests deeper than 128 levels; elements that are unknown or out of
+    /// place, numbers that are none, a key that stands twice. Memory is bounded by a multiple of the bytes given. Any
+    /// thread.
     [[nodiscard]] static PropertyList parse(QByteArrayView xml);
 
     /// The value if it is of that kind, otherwise null.

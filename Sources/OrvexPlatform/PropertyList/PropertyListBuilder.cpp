@@ -1,6 +1,10 @@
 #include "PropertyList/PropertyListBuilder.h"
 
-#include <cmath>
+#include "Text.h"
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
 
 namespace orvex::platform {
 
@@ -19,10 +23,11 @@ bool isDecimal(QByteArrayView text) {
     return !digits.isEmpty() && std::ranges::all_of(digits, [](char digit) { return digit >= '0' && digit <= '9'; });
 }
 
-PropertyList real(const QByteArray& text) {
-    bool isNumber = false;
-    const double value = text.toDouble(&isNumber);
-    require(isNumber || std::isinf(value)); // one beyond the range is infinite, and counts as no number
+PropertyList real(QByteArrayView text) {
+    const QByteArrayView number = text.startsWith('+') ? text.sliced(1) : text;
+    double value = std::numeric_limits<double>::infinity(); // for one beyond the range, which counts as no number
+    const auto [end, error] = std::from_chars(number.begin(), number.end(), value);
+    require(error != std::errc::invalid_argument && end == number.end());
     return PropertyList(PropertyNumber{value});
 }
 
@@ -96,7 +101,7 @@ PropertyList PropertyListBuilder::valueOf(Element element) {
     case Kind::array:
         return PropertyList(std::move(element.items));
     case Kind::string:
-        return PropertyList(QString::fromUtf8(element.text));
+        return PropertyList(textWithReplacements(element.text));
     case Kind::integer:
         return integer(element.text.trimmed());
     case Kind::real:
@@ -113,7 +118,7 @@ void PropertyListBuilder::end() {
     Element element = std::move(open_.back());
     open_.pop_back();
     if (element.kind == Kind::key) {
-        open_.back().nextKey = QString::fromUtf8(element.text);
+        open_.back().nextKey = textWithReplacements(element.text);
     } else if (element.kind != Kind::plist) {
         add(valueOf(std::move(element)));
     }
@@ -126,7 +131,7 @@ void PropertyListBuilder::add(PropertyList value) {
     } else if (parent.kind == Kind::array) {
         parent.items.push_back(std::move(value));
     } else {
-        parent.members.insert_or_assign(*parent.nextKey, std::move(value));
+        require(parent.members.emplace(*parent.nextKey, std::move(value)).second);
         parent.nextKey.reset();
     }
 }

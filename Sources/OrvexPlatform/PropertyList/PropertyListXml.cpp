@@ -17,6 +17,12 @@ struct FreeParser {
 
 using ParserHandle = std::unique_ptr<XML_ParserStruct, FreeParser>;
 
+void require(bool condition) {
+    if (!condition) {
+        throw PropertyListError();
+    }
+}
+
 /// Hands the parser's events to a builder. The parser is C code that no exception may pass: what the builder raises is
 /// kept, and the parser stopped.
 class Events {
@@ -25,7 +31,8 @@ public:
         XML_SetUserData(parser, this);
         XML_SetElementHandler(parser, onBegin, onEnd);
         XML_SetCharacterDataHandler(parser, onText);
-        XML_SetEntityDeclHandler(parser, onEntity);
+        XML_SetStartDoctypeDeclHandler(parser, onDoctype);
+        XML_SetSkippedEntityHandler(parser, onEntity);
     }
 
     void raiseFailure() const {
@@ -62,10 +69,14 @@ private:
         of(data).guard([&] { of(data).builder_.text(QByteArrayView(text, size)); });
     }
 
-    // No tool declares entities, and what they stand for can grow without bounds.
-    static void onEntity(void* data, const XML_Char*, int, const XML_Char*, int, const XML_Char*, const XML_Char*,
-                         const XML_Char*, const XML_Char*) {
-        of(data).guard([] { throw PropertyListError(); });
+    // What a document declares by itself can grow without bounds; no tool declares anything.
+    static void onDoctype(void* data, const XML_Char*, const XML_Char*, const XML_Char*, int hasInternalSubset) {
+        of(data).guard([&] { require(hasInternalSubset == 0); });
+    }
+
+    // An entity that is declared nowhere would be missing from its text.
+    static void onEntity(void* data, const XML_Char*, int) {
+        of(data).guard([] { require(false); });
     }
 
     XML_Parser parser_;
