@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <ostream>
 
 namespace orvex {
@@ -82,6 +83,19 @@ inline ProtectedSettingsFile entryOf(const ProtectedSettingsSnapshot& snapshot, 
 /// A folder of settings, to be looked at and left alone.
 class ProtectedFolder {
 public:
+    ProtectedFolder() = default;
+    ProtectedFolder(const ProtectedFolder&) = delete;
+    ProtectedFolder& operator=(const ProtectedFolder&) = delete;
+
+    /// Qt leaves what has a name that is no text.
+    ~ProtectedFolder() {
+        std::error_code failed;
+        for (const auto& item : std::filesystem::directory_iterator(path().toStdString(), failed)) {
+            std::filesystem::remove_all(item, failed);
+            EXPECT_FALSE(failed) << item.path();
+        }
+    }
+
     [[nodiscard]] QString path() const { return folder_.path(); }
 
     [[nodiscard]] QString path(const char* name) const { return path() + u'/' + QString::fromUtf8(name); }

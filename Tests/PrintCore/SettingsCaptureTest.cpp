@@ -378,7 +378,6 @@ TEST_F(SettingsCaptureTest, DescendsWithoutALimitOfDepth) {
     const auto snapshot = captured();
     EXPECT_EQ(snapshot.files.size(), depth + 1);
     EXPECT_EQ(snapshot.files.last(), directory(deepest));
-    std::filesystem::remove_all(native("d").toStdString());
 }
 
 TEST_F(SettingsCaptureTest, CannotReadAPathThatIsLongerThanTheSystemAllows) {
@@ -410,7 +409,6 @@ TEST_F(SettingsCaptureTest, CannotReadAPathThatIsLongerThanTheSystemAllows) {
     for (const QString& beyond : {fits + QStringLiteral("/x"), fits + u'f'}) {
         EXPECT_EQ(entryOf(snapshot, beyond), unreadable(beyond, beyond + QStringLiteral(": File name too long")));
     }
-    std::filesystem::remove_all(native(name).toStdString());
 }
 
 TEST_F(SettingsCaptureTest, CannotReadANameThatIsLongerThanTheSystemAllows) {
