@@ -22,6 +22,14 @@ ProtectedSettingsFile unreadable(const QString& diagnostic) {
     return {.path = {}, .status = Status::unreadable, .sha256 = std::nullopt, .diagnostic = diagnostic};
 }
 
+ProtectedSettingsFile ambiguous(const QString& path) {
+    ProtectedSettingsFile file = unreadable(
+        spt("有多个项目的名称不是有效文本，显示时完全相同，无法区分。",
+            "Several items have names that are not valid text and look the same. They cannot be told apart."));
+    file.path = path;
+    return file;
+}
+
 bool sameIdentityAndModification(const ItemFacts& first, const ItemFacts& second) {
     return first == second;
 }
@@ -128,16 +136,9 @@ QString SettingsCapture::fingerprint(const QByteArray& path) {
 void SettingsCapture::record(const QByteArray& path, ProtectedSettingsFile file) {
     file.path = QString::fromUtf8(path);
     const QByteArray unreadableName = file.path.toUtf8() == path ? QByteArray() : path;
-    const auto known = entries_.find(file.path);
-    if (known != entries_.end() && known->second.unreadableName != unreadableName) {
-        known->second.file.status = Status::unreadable;
-        known->second.file.sha256.reset();
-        known->second.file.diagnostic =
-            spt("有多个项目的名称不是有效文本，显示时完全相同，无法区分。",
-                "Several items have names that are not valid text and look the same. They cannot be told apart.");
-        return;
-    }
-    entries_.insert_or_assign(file.path, Entry{.file = file, .unreadableName = unreadableName});
+    Entry& entry = entries_.try_emplace(file.path, Entry{.file = file, .unreadableName = unreadableName}).first->second;
+    entry.isAmbiguous = entry.isAmbiguous || entry.unreadableName != unreadableName;
+    entry.file = entry.isAmbiguous ? ambiguous(file.path) : file;
 }
 
 void SettingsCapture::recordFailure(const QByteArray& path, const platform::FileSystemError& error) {

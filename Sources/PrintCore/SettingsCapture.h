@@ -41,6 +41,7 @@ private:
     struct Entry {
         ProtectedSettingsFile file;
         QByteArray unreadableName{}; ///< the path's bytes, where they are not the text
+        bool isAmbiguous = false;    ///< paths of other bytes have the same text
     };
 
     std::stop_token stop_;

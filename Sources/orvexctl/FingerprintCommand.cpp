@@ -19,7 +19,7 @@ namespace {
 
 struct FingerprintOptions {
     std::vector<std::string> paths;
-    std::string baseline;
+    std::optional<std::string> baseline;
     bool isSaving = false;
 };
 
@@ -72,24 +72,30 @@ void compareWithBaseline(const QString& path, const CommandContext& context) {
 
 void runFingerprint(const FingerprintOptions& options, const CommandContext& context) {
     if (options.paths.empty()) {
-        compareWithBaseline(pathText(options.baseline), context);
+        compareWithBaseline(pathText(*options.baseline), context);
         return;
     }
     const auto snapshot = SettingsPreservationService::capture(locations(options.paths), context.stop);
     if (options.isSaving) {
-        ProtectedSettingsBaseline::save(snapshot, platform::localPath(platform::fileUrl(pathText(options.baseline))));
+        ProtectedSettingsBaseline::save(snapshot, platform::localPath(platform::fileUrl(pathText(*options.baseline))));
     }
     printResult(snapshot.toJson());
 }
 
-/// One of the three forms: PATH..., --baseline FILE --save PATH..., --baseline FILE.
+/// Whether the options have one of the three forms: PATH..., --baseline FILE --save PATH..., --baseline FILE.
+bool haveOneForm(const FingerprintOptions& options) {
+    if (!options.baseline) {
+        return !options.paths.empty() && !options.isSaving;
+    }
+    if (options.paths.empty()) {
+        return !options.baseline->empty() && !options.isSaving;
+    }
+    // Standard input can be compared with, not replaced.
+    return !options.baseline->empty() && options.isSaving && !isStandardStream(argumentText(*options.baseline));
+}
+
 void requireOneForm(const FingerprintOptions& options) {
-    const bool hasBaseline = !options.baseline.empty();
-    const bool hasPaths = !options.paths.empty();
-    const bool isStream = isStandardStream(argumentText(options.baseline)); // it can be compared with, not replaced
-    const bool isCapture = hasPaths && hasBaseline == options.isSaving && !isStream;
-    const bool isComparison = !hasPaths && hasBaseline && !options.isSaving;
-    if (!isCapture && !isComparison) {
+    if (!haveOneForm(options)) {
         throw CLI::ValidationError("fingerprint", "PATH... | --baseline FILE --save PATH... | --baseline FILE");
     }
 }

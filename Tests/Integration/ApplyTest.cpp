@@ -8,9 +8,7 @@
 namespace orvex {
 namespace {
 
-QString q(const char* text) {
-    return QString::fromUtf8(text);
-}
+using test::q;
 
 /// The answers to these lines, parsed.
 QList<QJsonObject> answers(const QByteArray& lines) {

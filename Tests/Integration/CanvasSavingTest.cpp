@@ -11,11 +11,8 @@ namespace orvex {
 namespace {
 
 using test::CommandResult;
+using test::q;
 using test::runCommand;
-
-QString q(const char* text) {
-    return QString::fromUtf8(text);
-}
 
 QJsonObject apply(const QByteArray& line) {
     return QJsonDocument::fromJson(runCommand({q("apply")}, line).output).object();

@@ -13,13 +13,10 @@ namespace orvex {
 namespace {
 
 using test::CommandResult;
+using test::q;
 using test::QpdfReading;
 using test::runCommand;
 using test::TiffFixture;
-
-QString q(const char* text) {
-    return QString::fromUtf8(text);
-}
 
 /// A picture of 6 x 5.13 inches, whose rows make three strips.
 TiffFixture picture(quint16 bits) {

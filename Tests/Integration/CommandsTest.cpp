@@ -15,12 +15,9 @@ namespace orvex {
 namespace {
 
 using test::CommandResult;
+using test::q;
 using test::runCommand;
 using test::TiffFixture;
-
-QString q(const char* text) {
-    return QString::fromUtf8(text);
-}
 
 /// A picture of 300 x 200 pixels: 3 x 2 inches at 100 per inch.
 TiffFixture picture() {

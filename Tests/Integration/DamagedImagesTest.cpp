@@ -9,9 +9,7 @@
 namespace orvex {
 namespace {
 
-QString q(const char* text) {
-    return QString::fromUtf8(text);
-}
+using test::q;
 
 /// The small whole pictures of every format that fuzzing starts from, too.
 QStringList wholePictures() {

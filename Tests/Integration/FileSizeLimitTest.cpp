@@ -14,11 +14,8 @@ namespace orvex {
 namespace {
 
 using test::CommandResult;
+using test::q;
 using test::runCommand;
-
-QString q(const char* text) {
-    return QString::fromUtf8(text);
-}
 
 /// A picture of 4 x 3 inches whose samples cannot be compressed.
 QByteArray picture() {

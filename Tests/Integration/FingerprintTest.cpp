@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QThread>
 
@@ -21,11 +22,8 @@ namespace orvex {
 namespace {
 
 using test::CommandResult;
+using test::q;
 using test::runCommand;
-
-QString q(const char* text) {
-    return QString::fromUtf8(text);
-}
 
 const QString contentHash =
     QString::fromLatin1(QCryptographicHash::hash("content", QCryptographicHash::Sha256).toHex());
@@ -248,6 +246,42 @@ TEST_F(Fingerprint, knowsThreeFormsAlone) {
     EXPECT_EQ(folder_.names(), QStringList{q("settings")});
 }
 
+TEST_F(Fingerprint, takesAPathInBracketsAsItStands) {
+    QDir().mkpath(path("[settings]"));
+    folder_.write(q("[settings]/b.ppd"), "content");
+    const QByteArray root = QFile::encodeName(root_);
+    const auto enterRoot = [&root] { [[maybe_unused]] const int result = ::chdir(root.constData()); };
+    const QJsonObject snapshot =
+        runCommand({q("fingerprint"), q("--baseline"), baseline(), q("--save"), q("[settings]")}, {}, q("en"),
+                   enterRoot)
+            .json()
+            .object();
+    EXPECT_EQ(snapshot[q("rootPaths")].toArray(), QJsonArray{path("[settings]")});
+    EXPECT_EQ(snapshot[q("files")].toArray().size(), 2);
+}
+
+TEST_F(Fingerprint, refusesAnEmptyPath) {
+    expectRefused(runCommand({q("fingerprint"), QString()}), q("A path is empty."));
+    EXPECT_EQ(runCommand({q("fingerprint"), q("--baseline"), QString(), path("settings")}).status, 2);
+}
+
+TEST_F(Fingerprint, refusesAPathThatIsNoText) {
+    const QByteArray script = "exec \"" ORVEXCTL "\" --language en fingerprint \"$(printf 'bad\\377')\" 2>&1";
+    QProcess process;
+    process.start(q("/bin/sh"), {q("-c"), QString::fromUtf8(script)});
+    ASSERT_TRUE(process.waitForFinished(60'000));
+    EXPECT_EQ(process.exitCode(), 1);
+    EXPECT_EQ(QString::fromUtf8(process.readAll()), q("The path \"bad\uFFFD\" is not valid UTF-8 text.\n"));
+}
+
+TEST_F(Fingerprint, doesNotPutABaselineIntoAProtectedFolder) {
+    expectRefused(
+        runCommand({q("fingerprint"), q("--baseline"), path("settings/baseline.json"), q("--save"), path("settings")}),
+        q("The settings baseline cannot be kept in the protected path \"%1\". Choose another place.")
+            .arg(path("settings/baseline.json")));
+    EXPECT_FALSE(QFile::exists(path("settings/baseline.json")));
+}
+
 TEST_F(Fingerprint, refusesAMissingBaseline) {
     expectRefused(compare(), baseline() + q(": No such file or directory"));
     EXPECT_EQ(folder_.names(), QStringList{q("settings")});
@@ -280,7 +314,7 @@ TEST_F(Fingerprint, speaksChinese) {
     EXPECT_EQ(refused.errors, q("设置基线无效，或其版本不受支持。原文件已保留。\n"));
     ASSERT_TRUE(QFile::link(q("nowhere"), path("link")));
     EXPECT_EQ(runCommand({q("fingerprint"), path("link")}, {}, q("zh-Hans")).json()[q("files")][0][q("diagnostic")],
-              q("已记录链接的目标，但没有跟随链接，因此无法确认此路径未变。"));
+              q("已记录链接目标，但未跟随链接，无法确认此路径没有变化。"));
     const CommandResult usage = runCommand({q("fingerprint")}, {}, q("zh-Hans"));
     EXPECT_EQ(usage.status, 2);
     EXPECT_TRUE(usage.errors.contains(q("用法：orvexctl"))) << usage.errors.toStdString();

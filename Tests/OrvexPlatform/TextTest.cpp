@@ -11,6 +11,19 @@ TEST(Text, HasLinesBetweenNewlinesOfEveryKind) {
                            QStringLiteral(" i ")}));
 }
 
+TEST(Text, KeepsAByteOrderMark) {
+    EXPECT_EQ(textWithReplacements("\xEF\xBB\xBF{"), QStringLiteral("\uFEFF{"));
+    EXPECT_EQ(validText("\xEF\xBB\xBF{"), QStringLiteral("\uFEFF{"));
+}
+
+TEST(Text, ReplacesInvalidSequencesOrIsNone) {
+    EXPECT_EQ(textWithReplacements("a\xFF z\xE7\x94\xBB"), QStringLiteral("a\uFFFD z画"));
+    EXPECT_EQ(validText("a\xE7\x94\xBB"), QStringLiteral("a画"));
+    for (const char* invalid : {"a\xFF", "a\xE4", "a\xE4\xBD", "\xC0\x80", "\xED\xA0\x80"}) {
+        EXPECT_EQ(validText(invalid), std::nullopt) << invalid;
+    }
+}
+
 TEST(Text, OfNothingHasNoLines) {
     EXPECT_EQ(filledLines(u""), QStringList());
     EXPECT_EQ(filledLines(u"\n\r\n"), QStringList());

@@ -57,12 +57,13 @@ INSTANTIATE_TEST_SUITE_P(
                   {.output = {}, .status = 0, .truncated = true},
                   "Context Output exceeded the safe length limit. Results are incomplete.",
                   "上下文 输出超过安全长度上限，结果不完整。"},
-        Diagnosed{"StatusOne", {.output = {}, .status = 1}, "Context Exit status 1.", "上下文 退出状态 1。"},
-        Diagnosed{"NegativeStatus", {.output = {}, .status = -15}, "Context Exit status -15.", "上下文 退出状态 -15。"},
+        Diagnosed{"StatusOne", {.output = {}, .status = 1}, "Context Exit status 1.", "上下文 退出状态为 1。"},
+        Diagnosed{
+            "NegativeStatus", {.output = {}, .status = -15}, "Context Exit status -15.", "上下文 退出状态为 -15。"},
         Diagnosed{"LargeStatus",
                   {.output = {}, .status = std::numeric_limits<qint32>::max()},
                   "Context Exit status 2147483647.",
-                  "上下文 退出状态 2147483647。"},
+                  "上下文 退出状态为 2147483647。"},
         Diagnosed{"Output",
                   {.output = text("lpstat: trouble"), .status = 0},
                   "Context lpstat: trouble",
@@ -70,7 +71,7 @@ INSTANTIATE_TEST_SUITE_P(
         Diagnosed{"OutputWithPlaceholders",
                   {.output = text("%1 %2 %L1 %%"), .status = 1},
                   "Context Exit status 1. %1 %2 %L1 %%",
-                  "上下文 退出状态 1。 %1 %2 %L1 %%"},
+                  "上下文 退出状态为 1。 %1 %2 %L1 %%"},
         Diagnosed{"OutputTrimmed",
                   {.output = text(" \t\r\n\u00A0\u2028 one \n two\u3000\n\n"), .status = 0},
                   "Context one \n two",
@@ -80,7 +81,7 @@ INSTANTIATE_TEST_SUITE_P(
                   {.output = text("words\n"), .status = 9, .timedOut = true, .truncated = true},
                   "Context The command timed out and was stopped. Output exceeded the safe length limit. Results are "
                   "incomplete. Exit status 9. words",
-                  "上下文 命令超时，已被停止。 输出超过安全长度上限，结果不完整。 退出状态 9。 words"}),
+                  "上下文 命令超时，已被停止。 输出超过安全长度上限，结果不完整。 退出状态为 9。 words"}),
     test::RowName());
 
 TEST(InspectionResult, KeepsAContextAsItStands) {

@@ -48,7 +48,7 @@ INSTANTIATE_TEST_SUITE_P(
                               Case::unavailable, "Cannot read local CUPS status: Reason %1 %2.",
                               "无法读取本机 CUPS 状态：Reason %1 %2."},
                       Message{"InvalidQueueName", PrinterTelemetryError::invalidQueueName, Case::invalidQueueName,
-                              "Invalid local print queue name.", "本机打印队列名称无效。"},
+                              "Invalid local print queue name.", "本机系统打印队列名称无效。"},
                       Message{"InvalidResponse", PrinterTelemetryError::invalidResponse, Case::invalidResponse,
                               "CUPS did not return valid read-only status data.", "CUPS 没有返回有效的只读状态数据。"},
                       Message{"QueryFailed", PrinterTelemetryError::queryFailed, Case::queryFailed,

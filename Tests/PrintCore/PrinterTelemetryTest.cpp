@@ -201,7 +201,7 @@ TEST(PrinterTelemetry, HasASecondNameForItsMoment) {
 TEST(PrinterTelemetry, TellsThatItIsNotTheDeviceThatSpeaks) {
     EXPECT_EQ(fullSnapshot().sourceDescription(), text("Local CUPS cache; live device status is not guaranteed"));
     const test::InChinese chinese;
-    EXPECT_EQ(fullSnapshot().sourceDescription(), text("本机 CUPS 缓存，不保证是设备的实时状态"));
+    EXPECT_EQ(fullSnapshot().sourceDescription(), text("本机 CUPS 缓存；不保证反映设备的实时状态"));
 }
 
 TEST(PrinterTelemetry, KnowsNothingOfMaintenanceCartridgeAndPrinthead) {

@@ -603,6 +603,28 @@ TEST_F(BaselineTest, CannotBeReadOrWrittenWithoutPermission) {
     EXPECT_EQ(TemporaryFolder::read(path_), old);
 }
 
+TEST_F(BaselineTest, IsNotKeptInAPlaceThatItSpeaksOf) {
+    const ProtectedFolder settings;
+    settings.write("a.ppd", "content");
+    const ProtectedSettingsSnapshot snapshot =
+        SettingsPreservationService::capture({QUrl::fromLocalFile(settings.path(""))});
+    const ProtectedFolder links;
+    ASSERT_TRUE(QFile::link(settings.path(""), links.path("link")));
+    for (const QString& path : {settings.path("baseline.json"), settings.path("new/baseline.json"),
+                                links.path("link") + q("/baseline.json")}) {
+        try {
+            ProtectedSettingsBaseline::save(snapshot, path);
+            FAIL() << path.toStdString();
+        } catch (const ProtectedPlaceError& error) {
+            EXPECT_EQ(error.message(), q("The settings baseline cannot be kept in the protected path \"%1\". Choose "
+                                         "another place.")
+                                           .arg(path));
+        }
+    }
+    EXPECT_EQ(QDir(settings.path("")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList{q("a.ppd")});
+    ProtectedSettingsBaseline::save(snapshot, links.path("baseline.json"));
+}
+
 // The store's folder
 
 TEST(BaselineStore, MakesTheGivenFolder) {
@@ -616,6 +638,12 @@ TEST(BaselineStore, MakesTheGivenFolder) {
     EXPECT_EQ(ProtectedSettingsBaselineStore(directory).load(), goodSnapshot());
     EXPECT_EQ(ProtectedSettingsBaseline::load(folder.path("a/b/c/settings-preservation-baseline.json")),
               goodSnapshot());
+}
+
+TEST(BaselineStore, HasAPlainFileURLForAFolderWithATrailingSlash) {
+    const ProtectedFolder folder;
+    const ProtectedSettingsBaselineStore store(QUrl::fromLocalFile(folder.path("a") + u'/'));
+    EXPECT_EQ(store.fileURL(), QUrl::fromLocalFile(folder.path("a/settings-preservation-baseline.json")));
 }
 
 TEST(BaselineStore, TakesAnyFolderName) {

@@ -287,7 +287,7 @@ TEST(QueueDiscovery, FailsInChineseToo) {
     const test::InChinese chinese;
     Answers answers;
     answers.statuses = failed("lpstat: Scheduler is not running.\n");
-    EXPECT_EQ(failureOf(answers), text("无法读取本机 CUPS 打印机 退出状态 1。 lpstat: Scheduler is not running."));
+    EXPECT_EQ(failureOf(answers), text("无法读取本机 CUPS 打印机。 退出状态为 1。 lpstat: Scheduler is not running."));
 }
 
 TEST(QueueDiscovery, KeepsQueuesThoughTheStatusToolSpeaksOfNone) {
@@ -462,18 +462,18 @@ TEST(QueueDiscovery, DiagnosesInChineseToo) {
     const test::InChinese chinese;
     Answers answers;
     EXPECT_EQ(discovered(answers).at(0).diagnostic,
-              text("已对本机 CUPS 作只读检查。设备连接、硬件错误和裁切行为请在打印机面板上确认。"));
+              text("已只读检查本机 CUPS。请在打印机面板上确认设备连接、硬件错误和裁切行为。"));
     answers.optionsOfA = clean(QString());
-    EXPECT_EQ(discovered(answers).at(0).diagnostic, text("驱动没有返回可读取的选项，因此无法据此确定介质或裁切能力。"));
+    EXPECT_EQ(discovered(answers).at(0).diagnostic, text("驱动没有返回可读取的驱动选项，不能据此认定介质或裁切能力。"));
     answers = {.statuses = failed("printer A one"),
                .devices = failed("no devices", 2),
                .jobs = failed("no jobs", 3),
                .optionsOfA = failed("no options", 4)};
-    EXPECT_EQ(discovered(answers).at(0).diagnostic, text("队列状态不完整 退出状态 1。 printer A one\n"
-                                                         "无法读取设备地址 退出状态 2。 no devices\n"
+    EXPECT_EQ(discovered(answers).at(0).diagnostic, text("队列状态不完整。 退出状态为 1。 printer A one\n"
+                                                         "无法读取设备地址。 退出状态为 2。 no devices\n"
                                                          "此队列没有返回设备地址。\n"
-                                                         "无法读取系统任务列表 退出状态 3。 no jobs\n"
-                                                         "无法读取驱动选项 退出状态 4。 no options"));
+                                                         "无法读取系统任务列表。 退出状态为 3。 no jobs\n"
+                                                         "无法读取驱动选项。 退出状态为 4。 no options"));
 }
 
 // Stopping

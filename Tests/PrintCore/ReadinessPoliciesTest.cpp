@@ -329,23 +329,23 @@ TEST(NativePrintReadinessPolicy, LooksAtReasonsBeyondTheCut) {
 TEST(NativePrintReadinessPolicy, SpeaksChineseToo) {
     const test::InChinese chinese;
     EXPECT_EQ(NativePrintReadinessPolicy::evaluate(idle(), QString()).blockingReason,
-              text("请先选择一台已配置好的打印机。"));
+              text("请先选择一台系统中已配置好的打印机。"));
     EXPECT_EQ(NativePrintReadinessPolicy::evaluate(std::nullopt, text("W9400")).blockingReason,
               text("无法确认所选系统打印队列的状态，未打开打印。请刷新打印机后重试。"));
 
     PrinterTelemetrySnapshot telemetry = withReasons({text("paused"), text("none")});
     telemetry.queueMessage = text("words");
     EXPECT_EQ(evaluated(telemetry).blockingReason,
-              text("系统打印队列已停止、被停用或正在报告错误，无法直接打印。请先在佳能软件或系统打印队列中解决问题；"
+              text("系统打印队列已停止、已停用或正在报告错误，无法直接打印。请先在佳能软件或系统打印队列中解决问题；"
                    "本程序不会自动启用队列。\n系统报告：words；paused"));
     telemetry.queueReasons = {text("b-warning")};
     telemetry.isAcceptingJobs = false;
     EXPECT_EQ(evaluated(telemetry).blockingReason,
-              text("系统打印队列不接受任务，无法直接打印。请先检查系统打印队列；本程序不会更改队列设置。"
+              text("系统打印队列目前不接受任务，无法直接打印。请先检查系统打印队列；本程序不会更改队列设置。"
                    "\n系统报告：words；b-warning"));
     telemetry.isAcceptingJobs = std::nullopt;
     EXPECT_EQ(evaluated(telemetry).blockingReason,
-              text("无法确认系统打印队列已准备好接受任务，未打开打印。请刷新打印机，并检查佳能软件或系统打印队列。"
+              text("无法确认系统打印队列已准备好接受任务，未打开打印。请刷新打印机，并在佳能软件或系统打印队列中查看。"
                    "\n系统报告：words；b-warning"));
 }
 
@@ -452,13 +452,14 @@ TEST(ManualCuttingPolicy, FindsTheCutterOfARealDriver) {
 TEST(ManualCuttingPolicy, SpeaksChineseToo) {
     const test::InChinese chinese;
     EXPECT_EQ(ManualCuttingPolicy::evaluate(std::nullopt).blockingReason,
-              text("未选择打印机。Manual Cutting 未经核实，无人值守自动发送保持锁定。"));
+              text("未选择打印机。Manual Cutting 未经核实，无人值守自动发送已锁定。"));
     EXPECT_EQ(ManualCuttingPolicy::evaluate(printer({})).blockingReason,
-              text("CUPS 或驱动没有提供可识别的裁切控制。PageSize 中的 _CUT 表示单张纸，不表示刀具已停用。无法核实 "
-                   "Manual Cutting，无人值守自动发送保持锁定。"));
+              text("CUPS 或驱动没有提供可识别的裁切控制选项。PageSize 中的 _CUT 表示单页纸，不表示刀具已停用。无法核实 "
+                   "Manual Cutting，无人值守自动发送已锁定。"));
     EXPECT_EQ(ManualCuttingPolicy::evaluate(printer({option("CutMedia", "x"), option("Cutter", "y")})).blockingReason,
-              text("可能与裁切有关的驱动选项：CutMedia, Cutter。目前没有经过核实的 iPF9400 对应关系或设备验证。选项名称"
-                   "和 Manual 一词都不能证明刀具已停用。无人值守自动发送保持锁定。"));
+              text("可能与裁切有关的驱动选项：CutMedia, Cutter。目前没有经核实的 iPF9400 "
+                   "对应关系，也没有经过设备验证。选项名称"
+                   "和 Manual 一词都不能证明刀具已停用。无人值守自动发送已锁定。"));
 }
 
 } // namespace orvex

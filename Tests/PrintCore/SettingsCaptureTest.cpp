@@ -215,7 +215,7 @@ TEST_F(SettingsCaptureTest, RecordsTheTargetOfALink) {
                                                "confirmed unchanged.")}));
     const test::InChinese inChinese;
     EXPECT_EQ(capturedFile("link").diagnostic,
-              QString::fromUtf8("已记录链接的目标，但没有跟随链接，因此无法确认此路径未变。"));
+              QString::fromUtf8("已记录链接目标，但未跟随链接，无法确认此路径没有变化。"));
 }
 
 TEST_F(SettingsCaptureTest, NeverFollowsALink) {
@@ -339,6 +339,20 @@ TEST_F(SettingsCaptureTest, CannotTellNamesApartThatLookTheSame) {
     EXPECT_EQ(entryOf(snapshot, path("b")), regularFile(path("b"), "plain"));
     EXPECT_EQ(SettingsPreservationService::compare(snapshot, snapshot).unverifiablePaths, QStringList{path("a\uFFFD")});
     EXPECT_EQ(test::capture({root_, root_}).files, snapshot.files) << "a second look knows no more";
+}
+
+TEST_F(SettingsCaptureTest, CannotTellNamesApartThatLookTheSameThoughOneOfThemIsARoot) {
+    writeNative("a\xEF\xBF\xBD", "text");
+    writeNative("a\xff", "no text");
+    const auto snapshot = test::capture({root_, path("a\uFFFD")});
+    EXPECT_EQ(entryOf(snapshot, path("a\uFFFD")).status, test::Status::unreadable);
+}
+
+TEST_F(SettingsCaptureTest, CannotReadARootThatTheSystemWouldCutShort) {
+    const QString root = path("a") + QChar(QChar::Null) + u'b';
+    const auto snapshot = test::capture({root});
+    EXPECT_EQ(entryOf(snapshot, root).status, test::Status::unreadable);
+    EXPECT_EQ(SettingsPreservationService::compare(snapshot, snapshot).unverifiablePaths, QStringList{root});
 }
 
 TEST_F(SettingsCaptureTest, CannotTellANameThatIsNoTextFromTheTextThatItIsShownAs) {

@@ -73,7 +73,7 @@ TEST_F(PrinterCommands, AreRefusedWithoutAScheduler) {
 TEST_F(PrinterCommands, AreRefusedInChinese) {
     const CommandResult printers = runCommand({QStringLiteral("printers")}, {}, QStringLiteral("zh-Hans"));
     EXPECT_EQ(printers.errors,
-              QStringLiteral("无法读取本机 CUPS 打印机 退出状态 1。 lpstat: Scheduler is not running.\n"));
+              QStringLiteral("无法读取本机 CUPS 打印机。 退出状态为 1。 lpstat: Scheduler is not running.\n"));
     const CommandResult telemetry = runCommand({QStringLiteral("telemetry"), queue}, {}, QStringLiteral("zh-Hans"));
     EXPECT_EQ(telemetry.errors, QStringLiteral("本机 CUPS 状态查询失败，设备状态未知。\n"));
 }

@@ -151,6 +151,19 @@ TEST_F(Telemetry, IsRefusedWhenTheSystemsTestFileIsNoText) {
     EXPECT_EQ(failureOf(queue), "Cannot read local CUPS status: The system read-only query script is unavailable.");
 }
 
+TEST_F(Telemetry, IsRefusedWhenTheSystemsTestFileEndsAmidACharacter) {
+    const QByteArray script = test::TemporaryFolder::read(QString::fromLatin1(PrinterTelemetryCommand::testFile));
+    const test::ReplacedTool altered(PrinterTelemetryCommand::testFile, script + "\n# \xE4\xBD");
+    EXPECT_EQ(failureOf(queue), "Cannot read local CUPS status: The system read-only query script is unavailable.");
+}
+
+TEST_F(Telemetry, IsRefusedWhenTheSystemsTestFileHasAByteOrderMark) {
+    const QByteArray script = test::TemporaryFolder::read(QString::fromLatin1(PrinterTelemetryCommand::testFile));
+    const test::ReplacedTool altered(PrinterTelemetryCommand::testFile, "\xEF\xBB\xBF" + script);
+    EXPECT_EQ(failureOf(queue),
+              "The system status script does not match the verified read-only script. It was not run.");
+}
+
 TEST_F(Telemetry, IsRefusedWhenTheSystemsTestFileIsTooLarge) {
     const QByteArray script = test::TemporaryFolder::read(QString::fromLatin1(PrinterTelemetryCommand::testFile));
     const test::ReplacedTool altered(PrinterTelemetryCommand::testFile,

@@ -40,7 +40,7 @@ void flood(int descriptor, long bytes) {
 
 /// Starts a process that holds the pipe open when this one has long ended.
 void leaveGrandchild() {
-    constexpr unsigned seconds = 60; // nobody ends it
+    constexpr unsigned seconds = 300; // nobody may end it
     if (::fork() == 0) {
         ::sleep(seconds);
         ::_exit(0);
@@ -128,6 +128,11 @@ int main(int argc, char** argv) {
     } else if (mode == "family") {
         std::signal(SIGTERM, SIG_IGN);
         leaveGrandchild();
+        linger();
+    } else if (mode == "deaf-family") {
+        std::signal(SIGTERM, SIG_IGN);
+        leaveGrandchild();
+        std::signal(SIGTERM, sayBye);
         linger();
     } else if (mode == "surroundings") {
         showSurroundings();

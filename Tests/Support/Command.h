@@ -3,12 +3,18 @@
 #include <QByteArray>
 #include <QJsonDocument>
 #include <QProcess>
+#include <QString>
 #include <QStringList>
 
 #include <functional>
 #include <stdexcept>
 
 namespace orvex::test {
+
+/// A short name for what the arguments of commands and the keys of JSON need all the time.
+inline QString q(const char* text) {
+    return QString::fromUtf8(text);
+}
 
 /// What a run of orvexctl left.
 struct CommandResult {

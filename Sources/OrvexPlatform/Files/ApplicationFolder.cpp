@@ -3,8 +3,8 @@
 #include "Files/FileSystemError.h"
 #include "Files/Paths.h"
 
+#include <QDir>
 #include <QFileInfo>
-#include <QStandardPaths>
 
 #include <sys/stat.h>
 
@@ -24,10 +24,14 @@ int makeOneFolder(const QString& path) {
 } // namespace
 
 QString applicationFolder() {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/ORVEX");
+    const QString named = qEnvironmentVariable("XDG_DATA_HOME");
+    // One that is not absolute has to be ignored; Qt takes it, and the place would depend on the current folder.
+    const QString dataFolder = named.startsWith(u'/') ? named : QDir::homePath() + QStringLiteral("/.local/share");
+    return platform::standardizedPath(dataFolder + QStringLiteral("/ORVEX"));
 }
 
 void makeFolder(const QString& path) {
+    static_cast<void>(nativePath(path)); // what is no path is refused in the system's words
     const auto isThere = [&path] { return QFileInfo(path).isDir(); };
     if (isThere()) {
         return;

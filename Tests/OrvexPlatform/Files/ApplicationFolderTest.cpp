@@ -70,6 +70,7 @@ TEST(ApplicationFolder, LiesInTheHomeFolderWithoutADataHome) {
     const QString usual = QStringLiteral("/home/user/.local/share/ORVEX");
     EXPECT_EQ(applicationFolderWith(nullptr, "/home/user"), usual);
     EXPECT_EQ(applicationFolderWith("", "/home/user"), usual);
+    EXPECT_EQ(applicationFolderWith("relative/data", "/home/user"), usual) << "it would depend on the current folder";
 }
 
 TEST(ApplicationFolder, IsNotMadeByAskingForIt) {

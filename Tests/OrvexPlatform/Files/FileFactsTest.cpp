@@ -58,6 +58,16 @@ TEST(FileFacts, KnowTimesBefore1970) {
     EXPECT_EQ(FileFacts::read(path).modifiedNanoseconds, -1'500'000'000);
 }
 
+TEST(FileFacts, TellTimesApartThatNoNumberOfNanosecondsHolds) {
+    const TemporaryFolder folder;
+    const QString path = folder.write(QStringLiteral("file"), {});
+    const auto modifiedAt = [&](time_t seconds) {
+        setModified(path, seconds, 0);
+        return FileFacts::read(path);
+    };
+    EXPECT_NE(modifiedAt(10'413'792'000), modifiedAt(10'413'792'001)); // in the year 2300
+}
+
 TEST(FileFacts, FollowLinks) {
     const TemporaryFolder folder;
     folder.write(QStringLiteral("file"), "12345");

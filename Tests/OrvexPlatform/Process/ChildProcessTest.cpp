@@ -63,6 +63,23 @@ bool hasChildren() {
     return ::waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0;
 }
 
+/// Whether a process runs that was started as the bad tool with this argument.
+bool isRunning(const QByteArray& argument) {
+    const QByteArray commandLine = tool + '\0' + argument + '\0';
+    const QStringList processes = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
+    return std::ranges::any_of(processes, [&](const QString& process) {
+        QFile file(QStringLiteral("/proc/%1/cmdline").arg(process));
+        return file.open(QIODevice::ReadOnly) && file.readAll() == commandLine;
+    });
+}
+
+void awaitEndOf(const QByteArray& argument) {
+    for (int look = 0; look < 6000 && isRunning(argument); ++look) {
+        QThread::msleep(10);
+    }
+    EXPECT_FALSE(isRunning(argument));
+}
+
 } // namespace
 
 TEST(ChildProcess, GivesTheOutputAndTheStatus) {
@@ -197,20 +214,15 @@ TEST(ChildProcess, IsAwaitedThoughItClosesItsStreams) {
 TEST(ChildProcess, IsEndedWithWhatItHasStarted) {
     ChildRules rules = impatientRules();
     rules.terminationGrace = 50ms;
-    const ChildResult result = runChild(command({"family"}), rules);
-    EXPECT_EQ(result.status, SIGKILL);
-    // Nobody of that program is left who could hold a file of the folder that it was started in.
-    const auto isRunning = [] {
-        const QStringList processes = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
-        return std::ranges::any_of(processes, [](const QString& process) {
-            QFile file(QStringLiteral("/proc/%1/cmdline").arg(process));
-            return file.open(QIODevice::ReadOnly) && file.readAll() == tool + QByteArray("\0family\0", 8);
-        });
-    };
-    for (int look = 0; look < 6000 && isRunning(); ++look) {
-        QThread::msleep(10);
-    }
-    EXPECT_FALSE(isRunning());
+    EXPECT_EQ(runChild(command({"family"}), rules).status, SIGKILL);
+    awaitEndOf("family");
+}
+
+TEST(ChildProcess, TakesWhatItHasStartedWithItThoughItEndsOnRequest) {
+    const ChildResult result = runChild(command({"deaf-family"}), impatientRules());
+    EXPECT_EQ(result.status, 7);
+    EXPECT_EQ(result.end, ChildEnd::timedOut);
+    awaitEndOf("deaf-family");
 }
 
 TEST(ChildProcess, IsNotAwaitedBeyondItsOwnEnd) {

@@ -170,11 +170,23 @@ TEST(PropertyList, TakesKeysAsTheyStand) {
     EXPECT_EQ(list.dictionary()->size(), 3U);
 }
 
-TEST(PropertyList, TakesTheLastOfEqualKeys) {
-    const PropertyList list = value("<dict><key>a</key><string>1</string><key>b</key><true/><key>a</key><string>2"
-                                    "</string></dict>");
-    EXPECT_EQ(list.dictionary()->size(), 2U);
-    EXPECT_EQ(textOf(*list.find("a")), "2");
+TEST(PropertyList, KeepsAByteOrderMarkInFrontOfAText) {
+    const PropertyList list = value("<dict><key>\uFEFFa</key><string>\uFEFFx</string></dict>");
+    ASSERT_NE(list.dictionary(), nullptr);
+    ASSERT_EQ(list.dictionary()->size(), 1U);
+    const auto& [key, text] = *list.dictionary()->begin();
+    EXPECT_EQ(key, QStringLiteral("\uFEFFa"));
+    EXPECT_EQ(textOf(text), "\uFEFFx");
+}
+
+TEST(PropertyList, HoldsNumbersBeyondTheRangeOfADoubleAsNoIntegers) {
+    const QByteArray digits(400, '9');
+    for (const QByteArray& number : {QByteArray("<real>1e400</real>"), QByteArray("<real>-1e400</real>"),
+                                     "<integer>" + digits + "</integer>", "<real>" + digits + "</real>"}) {
+        const PropertyList list = value(number);
+        ASSERT_NE(list.number(), nullptr) << number.constData();
+        EXPECT_EQ(list.number()->integer(), std::nullopt) << number.constData();
+    }
 }
 
 TEST(PropertyList, FindsNothingWithoutTheKeyOrOutsideOfDictionaries) {
@@ -306,6 +318,11 @@ INSTANTIATE_TEST_SUITE_P(
                 "<!DOCTYPE plist [<!ENTITY a SYSTEM \"file:///etc/passwd\">]><plist><string>&a;</string></plist>"},
         Refused{"EntityOfData", "<!DOCTYPE plist [<!NOTATION n SYSTEM \"n\"><!ENTITY a SYSTEM \"x\" NDATA n>]><plist>"
                                 "<true/></plist>"},
+        Refused{"EntityDeclaredNowhere", "<!DOCTYPE plist PUBLIC \"-//Apple Computer//DTD PLIST 1.0//EN\" "
+                                         "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\"><plist><string>a&foo;b"
+                                         "</string></plist>"},
+        Refused{"DeclarationsOfAnotherPlace", "<!DOCTYPE plist [ %foo; <!ENTITY b \"x\"> ]><plist><true/></plist>"},
+        Refused{"EqualKeys", "<plist><dict><key>a</key><true/><key>b</key><true/><key>a</key><true/></dict></plist>"},
         Refused{"EntityOfParameters", "<!DOCTYPE plist [<!ENTITY % a \"<!ENTITY b 'c'>\">%a;]><plist><true/></plist>"},
         Refused{"EntitiesThatGrow",
                 "<!DOCTYPE plist [<!ENTITY a \"aaaaaaaaaaaaaaaa\"><!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;\"><!ENTITY c "
