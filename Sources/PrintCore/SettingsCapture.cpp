@@ -34,6 +34,10 @@ bool sameIdentityAndModification(const ItemFacts& first, const ItemFacts& second
     return first == second;
 }
 
+bool isSameItem(const ItemFacts& first, const ItemFacts& second) {
+    return first.kind == second.kind && first.fileNumber == second.fileNumber;
+}
+
 bool isMissing(const platform::FileSystemError& error) {
     return error.isMissing();
 }
@@ -75,7 +79,7 @@ void SettingsCapture::captureItem(const QByteArray& path) {
         captureRegularFile(path, facts);
         return;
     case ItemKind::directory:
-        captureDirectory(path);
+        captureDirectory(path, facts);
         return;
     case ItemKind::symbolicLink:
         captureLink(path);
@@ -98,13 +102,14 @@ void SettingsCapture::captureRegularFile(const QByteArray& path, const ItemFacts
     }
 }
 
-void SettingsCapture::captureDirectory(const QByteArray& path) {
+void SettingsCapture::captureDirectory(const QByteArray& path, const ItemFacts& facts) {
     const QByteArrayList names = platform::folderEntries(path);
     record(path, {.path = {}, .status = Status::directory});
     for (const QByteArray& name : names) {
         capture(entryPath(path, name));
     }
-    if (platform::folderEntries(path) != names) {
+    // What has taken the folder's place may have the same names in it, or lead elsewhere.
+    if (!isSameItem(facts, ItemFacts::read(path)) || platform::folderEntries(path) != names) {
         record(path, unreadable(spt("读取期间文件夹发生了变化，请重新检查。",
                                     "The directory changed while it was being read. Check again.")));
     }

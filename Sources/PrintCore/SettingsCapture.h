@@ -32,7 +32,7 @@ private:
     void capture(const QByteArray& path);
     void captureItem(const QByteArray& path);
     void captureRegularFile(const QByteArray& path, const platform::ItemFacts& facts);
-    void captureDirectory(const QByteArray& path);
+    void captureDirectory(const QByteArray& path, const platform::ItemFacts& facts);
     void captureLink(const QByteArray& path);
     [[nodiscard]] QString fingerprint(const QByteArray& path);
     void record(const QByteArray& path, ProtectedSettingsFile file);

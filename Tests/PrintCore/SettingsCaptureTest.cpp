@@ -620,6 +620,29 @@ TEST_F(SettingsCaptureTest, FindsAFolderMissingThatIsRemovedWhileItIsRead) {
     EXPECT_EQ(captured().files, (QList{unreadable(root_, folderChanged), missing(path("a")), missing(path("a/big"))}));
 }
 
+TEST_F(SettingsCaptureTest, DetectsAFolderInWhosePlaceALinkToItComes) {
+    makeEndless("a/big");
+    keep("a/big");
+    const OnceOpen meanwhile(path("a/big"), [&] {
+        EXPECT_EQ(::rename(native("a").constData(), outside_.native("a").constData()), 0);
+        EXPECT_EQ(::symlink(outside_.native("a").constData(), native("a").constData()), 0);
+        cutKept();
+    });
+    EXPECT_EQ(entryOf(captured(), path("a")), unreadable(path("a"), folderChanged));
+}
+
+TEST_F(SettingsCaptureTest, DetectsAFolderInWhosePlaceAnotherOfTheSameNamesComes) {
+    makeEndless("a/big");
+    keep("a/big");
+    outside_.write("b/big", "content");
+    const OnceOpen meanwhile(path("a/big"), [&] {
+        EXPECT_EQ(::rename(native("a").constData(), outside_.native("a").constData()), 0);
+        EXPECT_EQ(::rename(outside_.native("b").constData(), native("a").constData()), 0);
+        cutKept();
+    });
+    EXPECT_EQ(entryOf(captured(), path("a")), unreadable(path("a"), folderChanged));
+}
+
 TEST_F(SettingsCaptureTest, CannotReadAFolderThatIsClosedMeanwhile) {
     makeEndless("a/big");
     keep("a/big");
