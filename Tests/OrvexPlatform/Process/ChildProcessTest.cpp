@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <thread>
@@ -348,10 +349,13 @@ TEST(ChildProcess, TellsThatItHasNoPipes) {
     struct rlimit before {};
 
     ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    const int lowestFree = ::dup(STDIN_FILENO);
+    ::close(lowestFree);
 
-    const struct rlimit none { .rlim_cur = 0, .rlim_max = before.rlim_max };
+    // One more file can be opened, and a pipe has two ends.
+    const struct rlimit one { .rlim_cur = static_cast<rlim_t>(lowestFree) + 1, .rlim_max = before.rlim_max };
 
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &one), 0);
     std::optional<ChildStartError::Stage> stage;
     try {
         static_cast<void>(runChild(command({"exit", "0"}), patientRules()));
