@@ -108,7 +108,7 @@ void exerciseDiagnostic(const QString& text) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const QString text = QString::fromUtf8(QByteArrayView(data, static_cast<qsizetype>(size)));
+    const QString text = platform::textWithReplacements({data, static_cast<qsizetype>(size)});
     exerciseQueues(text);
     exerciseOptions(text);
     exerciseScript(text);

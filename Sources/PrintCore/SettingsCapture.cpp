@@ -6,14 +6,13 @@
 #include "OrvexLanguage.h"
 #include "Sha256.h"
 
-#include <fcntl.h>
-
 namespace orvex {
 
 namespace {
 
 using platform::ItemFacts;
 using platform::ItemKind;
+using platform::LinkFreeView;
 using Status = ProtectedSettingsFileStatus;
 
 constexpr std::size_t readBytes = 1048576;
@@ -56,33 +55,40 @@ void SettingsCapture::add(const QUrl& location) {
         record(path.toUtf8(), unreadable(spt("只支持本机文件路径。", "Only local file paths are supported.")));
         return;
     }
+    QByteArray native;
     try {
-        capture(platform::nativePath(path));
+        native = platform::nativePath(path);
     } catch (const platform::FileSystemError& error) {
         record(path.toUtf8(), unreadable(error.message())); // no path that the system could know
+        return;
+    }
+    try {
+        capture(LinkFreeView(native), native);
+    } catch (const platform::FileSystemError& error) {
+        recordFailure(native, error);
     }
 }
 
-void SettingsCapture::capture(const QByteArray& path) {
+void SettingsCapture::capture(const LinkFreeView& view, const QByteArray& path) {
     platform::throwIfStopped(stop_);
     try {
-        captureItem(path);
+        captureItem(view, path);
     } catch (const platform::FileSystemError& error) {
         recordFailure(path, error);
     }
 }
 
-void SettingsCapture::captureItem(const QByteArray& path) {
-    const ItemFacts facts = ItemFacts::read(path);
+void SettingsCapture::captureItem(const LinkFreeView& view, const QByteArray& path) {
+    const ItemFacts facts = view.facts(path);
     switch (facts.kind) {
     case ItemKind::regularFile:
-        captureRegularFile(path, facts);
+        captureRegularFile(view, path, facts);
         return;
     case ItemKind::directory:
-        captureDirectory(path, facts);
+        captureDirectory(view, path, facts);
         return;
     case ItemKind::symbolicLink:
-        captureLink(path);
+        captureLink(view, path);
         return;
     case ItemKind::other:
         record(path, {.path = {},
@@ -92,9 +98,9 @@ void SettingsCapture::captureItem(const QByteArray& path) {
     }
 }
 
-void SettingsCapture::captureRegularFile(const QByteArray& path, const ItemFacts& facts) {
-    const QString hash = fingerprint(path);
-    if (sameIdentityAndModification(facts, ItemFacts::read(path))) {
+void SettingsCapture::captureRegularFile(const LinkFreeView& view, const QByteArray& path, const ItemFacts& facts) {
+    const QString hash = fingerprint(view, path);
+    if (sameIdentityAndModification(facts, view.facts(path))) {
         record(path, {.path = {}, .status = Status::regularFile, .sha256 = hash});
     } else {
         record(path, unreadable(spt("读取期间文件发生了变化，请重新检查。",
@@ -102,31 +108,30 @@ void SettingsCapture::captureRegularFile(const QByteArray& path, const ItemFacts
     }
 }
 
-void SettingsCapture::captureDirectory(const QByteArray& path, const ItemFacts& facts) {
-    const QByteArrayList names = platform::folderEntries(path);
+void SettingsCapture::captureDirectory(const LinkFreeView& view, const QByteArray& path, const ItemFacts& facts) {
+    const QByteArrayList names = view.entries(path);
     record(path, {.path = {}, .status = Status::directory});
     for (const QByteArray& name : names) {
-        capture(entryPath(path, name));
+        capture(view, entryPath(path, name));
     }
     // What has taken the folder's place may have the same names in it, or lead elsewhere.
-    if (!isSameItem(facts, ItemFacts::read(path)) || platform::folderEntries(path) != names) {
+    if (!isSameItem(facts, view.facts(path)) || view.entries(path) != names) {
         record(path, unreadable(spt("读取期间文件夹发生了变化，请重新检查。",
                                     "The directory changed while it was being read. Check again.")));
     }
 }
 
-void SettingsCapture::captureLink(const QByteArray& path) {
+void SettingsCapture::captureLink(const LinkFreeView& view, const QByteArray& path) {
     record(path, {.path = {},
                   .status = Status::symbolicLink,
-                  .sha256 = platform::sha256Hex(platform::linkTarget(path)),
+                  .sha256 = platform::sha256Hex(view.linkTarget(path)),
                   .diagnostic = spt("已记录链接目标，但未跟随链接，无法确认此路径没有变化。",
                                     "The link target was recorded without following it. This path cannot be confirmed "
                                     "unchanged.")});
 }
 
-QString SettingsCapture::fingerprint(const QByteArray& path) {
-    // What has become a link since it was looked at is not followed.
-    const platform::FileDescriptor file = platform::openRegularFile(path, O_RDONLY | O_NOFOLLOW);
+QString SettingsCapture::fingerprint(const LinkFreeView& view, const QByteArray& path) {
+    const platform::FileDescriptor file = view.openFile(path);
     const QString shownPath = QString::fromUtf8(path);
     platform::Sha256 hash;
     qint64 offset = 0;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Files/FileSystemError.h"
-#include "Files/FolderItem.h"
+#include "Files/LinkFreeView.h"
 #include "ProtectedSettings.h"
 #include "Text.h"
 
@@ -29,12 +29,13 @@ public:
 
 private:
     // Paths are the bytes by which the system knows them; they need be no text.
-    void capture(const QByteArray& path);
-    void captureItem(const QByteArray& path);
-    void captureRegularFile(const QByteArray& path, const platform::ItemFacts& facts);
-    void captureDirectory(const QByteArray& path, const platform::ItemFacts& facts);
-    void captureLink(const QByteArray& path);
-    [[nodiscard]] QString fingerprint(const QByteArray& path);
+    void capture(const platform::LinkFreeView& view, const QByteArray& path);
+    void captureItem(const platform::LinkFreeView& view, const QByteArray& path);
+    void captureRegularFile(const platform::LinkFreeView& view, const QByteArray& path,
+                            const platform::ItemFacts& facts);
+    void captureDirectory(const platform::LinkFreeView& view, const QByteArray& path, const platform::ItemFacts& facts);
+    void captureLink(const platform::LinkFreeView& view, const QByteArray& path);
+    [[nodiscard]] QString fingerprint(const platform::LinkFreeView& view, const QByteArray& path);
     void record(const QByteArray& path, ProtectedSettingsFile file);
     void recordFailure(const QByteArray& path, const platform::FileSystemError& error);
 

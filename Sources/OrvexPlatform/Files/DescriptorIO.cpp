@@ -3,8 +3,6 @@
 #include "Files/FileSystemError.h"
 #include "Files/Paths.h"
 
-#include <QFile>
-
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -30,21 +28,20 @@ struct stat factsOf(const FileDescriptor& file, const QString& path) {
 } // namespace
 
 FileDescriptor openRegularFile(const QString& path, int flags) {
-    return openRegularFile(nativePath(path), flags);
-}
-
-FileDescriptor openRegularFile(const QByteArray& nativePath, int flags) {
-    const QString path = QFile::decodeName(nativePath);
     // O_NONBLOCK keeps a FIFO from blocking here; it means nothing for a regular file.
-    FileDescriptor file(::open(nativePath.constData(), flags | O_CLOEXEC | O_NONBLOCK));
+    FileDescriptor file(::open(nativePath(path).constData(), flags | O_CLOEXEC | O_NONBLOCK));
     if (!file.isOpen()) {
         throw FileSystemError::last(path);
     }
+    requireRegularFile(file, path);
+    return file;
+}
+
+void requireRegularFile(const FileDescriptor& file, const QString& path) {
     const mode_t mode = factsOf(file, path).st_mode;
     if (!S_ISREG(mode)) {
         throw FileSystemError(S_ISDIR(mode) ? EISDIR : EINVAL, path);
     }
-    return file;
 }
 
 qint64 sizeBytes(const FileDescriptor& file, const QString& path) {

@@ -17,8 +17,8 @@ namespace orvex::platform {
 /// for.
 [[nodiscard]] FileDescriptor openRegularFile(const QString& path, int flags);
 
-/// The same for the bytes of a path, which need be no text.
-[[nodiscard]] FileDescriptor openRegularFile(const QByteArray& nativePath, int flags);
+/// Refuses an open file that is no regular one.
+void requireRegularFile(const FileDescriptor& file, const QString& path);
 
 [[nodiscard]] qint64 sizeBytes(const FileDescriptor& file, const QString& path);
 

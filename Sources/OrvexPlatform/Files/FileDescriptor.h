@@ -25,6 +25,9 @@ public:
 
     [[nodiscard]] int get() const { return descriptor_; }
 
+    /// Gives up the descriptor without closing it.
+    [[nodiscard]] int release() { return std::exchange(descriptor_, -1); }
+
     [[nodiscard]] bool isOpen() const { return descriptor_ >= 0; }
 
 private:

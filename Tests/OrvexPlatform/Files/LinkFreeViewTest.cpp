@@ -1,4 +1,4 @@
-#include "Files/FolderItem.h"
+#include "Files/LinkFreeView.h"
 
 #include "ChildProcess.h"
 #include "Files/FileSystemError.h"
@@ -22,6 +22,18 @@ namespace {
 using test::becomeOrdinaryUser;
 using test::inChildProcess;
 
+ItemFacts facts(const QByteArray& path) {
+    return LinkFreeView(path).facts(path);
+}
+
+QByteArrayList entries(const QByteArray& path) {
+    return LinkFreeView(path).entries(path);
+}
+
+QByteArray linkTarget(const QByteArray& path) {
+    return LinkFreeView(path).linkTarget(path);
+}
+
 /// The code of the failure; 0 if there was none.
 template <typename Reading>
 int failureOf(const Reading& reading) {
@@ -39,7 +51,7 @@ void setModified(const QByteArray& path, time_t seconds, long nanoseconds) {
     ASSERT_EQ(::utimensat(AT_FDCWD, path.constData(), times, AT_SYMLINK_NOFOLLOW), 0);
 }
 
-class FolderItemTest : public ::testing::Test {
+class LinkFreeViewTest : public ::testing::Test {
 protected:
     QByteArray path(const QByteArray& name) const { return folder_.path().toUtf8() + '/' + name; }
 
@@ -74,16 +86,16 @@ protected:
 
 // Facts
 
-TEST_F(FolderItemTest, TellsTheKindOfAnItem) {
+TEST_F(LinkFreeViewTest, TellsTheKindOfAnItem) {
     ASSERT_EQ(::mkfifo(path("fifo").constData(), 0600), 0);
-    EXPECT_EQ(ItemFacts::read(write("file")).kind, ItemKind::regularFile);
-    EXPECT_EQ(ItemFacts::read(makeFolder("folder")).kind, ItemKind::directory);
-    EXPECT_EQ(ItemFacts::read(path("fifo")).kind, ItemKind::other);
-    EXPECT_EQ(ItemFacts::read("/dev/null").kind, ItemKind::other);
-    EXPECT_EQ(ItemFacts::read("/").kind, ItemKind::directory);
+    EXPECT_EQ(facts(write("file")).kind, ItemKind::regularFile);
+    EXPECT_EQ(facts(makeFolder("folder")).kind, ItemKind::directory);
+    EXPECT_EQ(facts(path("fifo")).kind, ItemKind::other);
+    EXPECT_EQ(facts("/dev/null").kind, ItemKind::other);
+    EXPECT_EQ(facts("/").kind, ItemKind::directory);
 }
 
-TEST_F(FolderItemTest, TellsASocket) {
+TEST_F(LinkFreeViewTest, TellsASocket) {
     const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
 
     struct sockaddr_un address {};
@@ -93,49 +105,49 @@ TEST_F(FolderItemTest, TellsASocket) {
     ASSERT_LT(static_cast<std::size_t>(name.size()), sizeof address.sun_path);
     std::copy(name.cbegin(), name.cend(), address.sun_path);
     ASSERT_EQ(::bind(socket, reinterpret_cast<const struct sockaddr*>(&address), sizeof address), 0);
-    EXPECT_EQ(ItemFacts::read(name).kind, ItemKind::other);
+    EXPECT_EQ(facts(name).kind, ItemKind::other);
     ::close(socket);
 }
 
-TEST_F(FolderItemTest, LooksAtALinkItself) {
+TEST_F(LinkFreeViewTest, LooksAtALinkItself) {
     write("file", "12345");
     makeFolder("folder");
     for (const QByteArray target : {"file", "folder", "nowhere", "link"}) {
         const QByteArray name = link(target, "link");
-        EXPECT_EQ(ItemFacts::read(name).kind, ItemKind::symbolicLink) << target.constData();
-        EXPECT_EQ(ItemFacts::read(name).sizeBytes, target.size());
+        EXPECT_EQ(facts(name).kind, ItemKind::symbolicLink) << target.constData();
+        EXPECT_EQ(facts(name).sizeBytes, target.size());
         ASSERT_EQ(::unlink(name.constData()), 0);
     }
 }
 
-TEST_F(FolderItemTest, TellsSizeAndTime) {
+TEST_F(LinkFreeViewTest, TellsSizeAndTime) {
     const QByteArray file = write("file", "12345");
     setModified(file, 1'700'000'000, 123'456'789);
-    EXPECT_EQ(ItemFacts::read(file).sizeBytes, 5);
-    EXPECT_EQ(ItemFacts::read(file).modifiedNanoseconds, 1'700'000'000'123'456'789);
+    EXPECT_EQ(facts(file).sizeBytes, 5);
+    EXPECT_EQ(facts(file).modifiedNanoseconds, 1'700'000'000'123'456'789);
     setModified(file, -2, 500'000'000);
-    EXPECT_EQ(ItemFacts::read(file).modifiedNanoseconds, -1'500'000'000) << "before 1970";
+    EXPECT_EQ(facts(file).modifiedNanoseconds, -1'500'000'000) << "before 1970";
     ASSERT_EQ(::truncate(file.constData(), 5'000'000'000), 0);
-    EXPECT_EQ(ItemFacts::read(file).sizeBytes, 5'000'000'000);
+    EXPECT_EQ(facts(file).sizeBytes, 5'000'000'000);
 }
 
-TEST_F(FolderItemTest, TellsOneFileFromAnother) {
+TEST_F(LinkFreeViewTest, TellsOneFileFromAnother) {
     const QByteArray first = write("first", "content");
     const QByteArray second = write("second", "content");
     ASSERT_EQ(::link(first.constData(), path("third").constData()), 0);
     for (const QByteArray& file : {first, second}) {
         setModified(file, 1'700'000'000, 0);
     }
-    EXPECT_NE(ItemFacts::read(first), ItemFacts::read(second));
-    EXPECT_EQ(ItemFacts::read(first), ItemFacts::read(path("third"))) << "two names of one file";
-    EXPECT_EQ(ItemFacts::read(first), ItemFacts::read(first));
+    EXPECT_NE(facts(first), facts(second));
+    EXPECT_EQ(facts(first), facts(path("third"))) << "two names of one file";
+    EXPECT_EQ(facts(first), facts(first));
 }
 
-TEST_F(FolderItemTest, HasNoFactsWhereThereIsNothing) {
+TEST_F(LinkFreeViewTest, HasNoFactsWhereThereIsNothing) {
     write("file");
     link("loop", "loop");
     link("nowhere", "dangling");
-    const auto failureFor = [](const QByteArray& name) { return failureOf([&] { return ItemFacts::read(name); }); };
+    const auto failureFor = [](const QByteArray& name) { return failureOf([&] { return facts(name); }); };
     EXPECT_EQ(failureFor(path("none")), ENOENT);
     EXPECT_EQ(failureFor(path("none/deeper")), ENOENT);
     EXPECT_EQ(failureFor(path("file/below")), ENOTDIR);
@@ -145,9 +157,9 @@ TEST_F(FolderItemTest, HasNoFactsWhereThereIsNothing) {
     EXPECT_EQ(failureFor(QByteArray()), ENOENT);
 }
 
-TEST_F(FolderItemTest, NamesThePathInItsFailures) {
+TEST_F(LinkFreeViewTest, NamesThePathInItsFailures) {
     try {
-        static_cast<void>(ItemFacts::read(path("a\xff")));
+        static_cast<void>(facts(path("a\xff")));
         FAIL();
     } catch (const FileSystemError& error) {
         EXPECT_EQ(error.message(),
@@ -157,26 +169,26 @@ TEST_F(FolderItemTest, NamesThePathInItsFailures) {
 
 // Entries
 
-TEST_F(FolderItemTest, ListsNamesSortedByTheirBytes) {
+TEST_F(LinkFreeViewTest, ListsNamesSortedByTheirBytes) {
     const QByteArrayList names{"\x01", " ",    "!",   "-",  "..a", ".hidden", "A",    "B",
                                "a",    "a\nb", "a b", "卷", "（",  "😀",       "\xfe", "\xff"};
     for (const QByteArray& name : names) {
         write(name);
     }
-    EXPECT_EQ(folderEntries(path("")), names);
-    EXPECT_EQ(folderEntries(folder_.path().toUtf8()), names);
+    EXPECT_EQ(entries(path("")), names);
+    EXPECT_EQ(entries(folder_.path().toUtf8()), names);
 }
 
-TEST_F(FolderItemTest, ListsItemsOfEveryKind) {
+TEST_F(LinkFreeViewTest, ListsItemsOfEveryKind) {
     ASSERT_EQ(::mkfifo(path("fifo").constData(), 0600), 0);
     write("file");
     makeFolder("folder");
     link("nowhere", "link");
-    EXPECT_EQ(folderEntries(path("")), (QByteArrayList{"fifo", "file", "folder", "link"}));
-    EXPECT_EQ(folderEntries(path("folder")), QByteArrayList());
+    EXPECT_EQ(entries(path("")), (QByteArrayList{"fifo", "file", "folder", "link"}));
+    EXPECT_EQ(entries(path("folder")), QByteArrayList());
 }
 
-TEST_F(FolderItemTest, ListsMoreEntriesThanTheSystemGivesAtOnce) {
+TEST_F(LinkFreeViewTest, ListsMoreEntriesThanTheSystemGivesAtOnce) {
     constexpr int count = 3'000;
     QByteArrayList names;
     for (int index = 0; index < count; ++index) {
@@ -185,15 +197,15 @@ TEST_F(FolderItemTest, ListsMoreEntriesThanTheSystemGivesAtOnce) {
         names.append(name);
     }
     std::sort(names.begin(), names.end());
-    EXPECT_EQ(folderEntries(path("")), names);
+    EXPECT_EQ(entries(path("")), names);
 }
 
-TEST_F(FolderItemTest, ListsNothingButFolders) {
+TEST_F(LinkFreeViewTest, ListsNothingButFolders) {
     write("file");
     makeFolder("folder");
     link("folder", "link");
     ASSERT_EQ(::mkfifo(path("fifo").constData(), 0600), 0);
-    const auto failureFor = [](const QByteArray& name) { return failureOf([&] { return folderEntries(name); }); };
+    const auto failureFor = [](const QByteArray& name) { return failureOf([&] { return entries(name); }); };
     EXPECT_EQ(failureFor(path("none")), ENOENT);
     EXPECT_EQ(failureFor(path("file")), ENOTDIR);
     EXPECT_EQ(failureFor(path("fifo")), ENOTDIR);
@@ -201,28 +213,27 @@ TEST_F(FolderItemTest, ListsNothingButFolders) {
     EXPECT_EQ(failureFor(path("folder")), 0);
 }
 
-TEST_F(FolderItemTest, ClosesWhatItLists) {
+TEST_F(LinkFreeViewTest, ClosesWhatItLists) {
     makeFolder("folder");
     const auto openCount = [] { return QDir(QStringLiteral("/proc/self/fd")).count(); };
     const auto before = openCount();
     for (int round = 0; round < 10; ++round) {
-        static_cast<void>(folderEntries(path("folder")));
-        static_cast<void>(failureOf([&] { return folderEntries(path("none")); }));
+        static_cast<void>(entries(path("folder")));
+        static_cast<void>(failureOf([&] { return entries(path("none")); }));
     }
     EXPECT_EQ(openCount(), before);
 }
 
-TEST_F(FolderItemTest, NeedsThePermissionToList) {
+TEST_F(LinkFreeViewTest, NeedsThePermissionToList) {
     makeFolder("closed");
     write("closed/file");
     ASSERT_EQ(::chmod(folder_.path().toUtf8().constData(), 0755), 0);
     ASSERT_EQ(::chmod(path("closed").constData(), 0), 0);
     const QByteArray codes = inChildProcess([&]() -> QByteArray {
-        return becomeOrdinaryUser()
-                   ? QByteArray::number(failureOf([&] { return folderEntries(path("closed")); })) + ' ' +
-                         QByteArray::number(failureOf([&] { return ItemFacts::read(path("closed/file")); })) + ' ' +
-                         QByteArray::number(failureOf([&] { return ItemFacts::read(path("closed")); }))
-                   : QByteArray("still root");
+        return becomeOrdinaryUser() ? QByteArray::number(failureOf([&] { return entries(path("closed")); })) + ' ' +
+                                          QByteArray::number(failureOf([&] { return facts(path("closed/file")); })) +
+                                          ' ' + QByteArray::number(failureOf([&] { return facts(path("closed")); }))
+                                    : QByteArray("still root");
     });
     ASSERT_EQ(::chmod(path("closed").constData(), 0700), 0);
     const QByteArray denied = QByteArray::number(EACCES);
@@ -231,7 +242,7 @@ TEST_F(FolderItemTest, NeedsThePermissionToList) {
 
 // Targets
 
-TEST_F(FolderItemTest, ReadsTheTextOfALink) {
+TEST_F(LinkFreeViewTest, ReadsTheTextOfALink) {
     for (const QByteArray& target : QByteArrayList{"file", "/", ".", "../a b\n", "卷", "\xff\xfe", QByteArray(59, 'x'),
                                                    QByteArray(60, 'x'), QByteArray(PATH_MAX - 1, 'x')}) {
         const QByteArray name = link(target, "link");
@@ -240,7 +251,7 @@ TEST_F(FolderItemTest, ReadsTheTextOfALink) {
     }
 }
 
-TEST_F(FolderItemTest, ReadsTheTextOfLinksAlone) {
+TEST_F(LinkFreeViewTest, ReadsTheTextOfLinksAlone) {
     const auto failureFor = [](const QByteArray& name) { return failureOf([&] { return linkTarget(name); }); };
     EXPECT_EQ(failureFor(write("file")), EINVAL);
     EXPECT_EQ(failureFor(makeFolder("folder")), EINVAL);
