@@ -3,11 +3,10 @@
 #include "CommandText.h"
 #include "Commands.h"
 #include "Files/Paths.h"
+#include "Json/JsonRecords.h"
 #include "LayoutFile.h"
 #include "PdfDestination.h"
 #include "RollAnswers.h"
-
-#include <QJsonArray>
 
 namespace orvex {
 
@@ -36,7 +35,7 @@ void runRender(const RenderOptions& options, const CommandContext& context) {
         destination.deliver(context.stop);
         return;
     }
-    printResult(toJson(audits));
+    printResult(platform::jsonArray(audits));
 }
 
 } // namespace

@@ -21,14 +21,6 @@ QString rollTitle(const std::string& argument) {
     return argument.empty() ? spt("orvex · 卷布排版", "orvex · Roll Layout") : argumentText(argument);
 }
 
-QJsonArray toJson(const QList<RollSourceAudit>& audits) {
-    QJsonArray array;
-    for (const RollSourceAudit& audit : audits) {
-        array.append(audit.toJson());
-    }
-    return array;
-}
-
 QList<RollSourceAudit> renderWithProgress(const RollLayout& layout, const QString& title, const QUrl& to,
                                           const ColorOptions& color, const std::stop_token& stop) {
     const ColorWorkflow workflow = color.workflow();

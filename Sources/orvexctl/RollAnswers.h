@@ -3,7 +3,6 @@
 #include "ColorOptions.h"
 #include "Output/RollPDFRenderer.h"
 
-#include <QJsonArray>
 #include <QString>
 
 #include <string>
@@ -12,8 +11,6 @@ namespace orvex {
 
 /// The title that was asked for, or the one that the window gives its rolls.
 [[nodiscard]] QString rollTitle(const std::string& argument);
-
-[[nodiscard]] QJsonArray toJson(const QList<RollSourceAudit>& audits);
 
 /// RollPDFRenderer::render, with a progress bar.
 [[nodiscard]] QList<RollSourceAudit> renderWithProgress(const RollLayout& layout, const QString& title, const QUrl& to,

@@ -6,6 +6,7 @@
 #include "Files/FileReplacer.h"
 #include "Files/Paths.h"
 #include "Interrupted.h"
+#include "Json/JsonRecords.h"
 #include "Json/JsonWriter.h"
 #include "Layout/LayoutTexts.h"
 #include "Layout/NumberText.h"
@@ -150,7 +151,7 @@ QJsonObject describe(const ImportedRoll& roll, double conventionalLengthInches, 
     }
     const Size page = RollPDFRenderer::pageSizePoints(layout);
     return {{QStringLiteral("layout"), layout.toJson()},
-            {QStringLiteral("audits"), toJson(audits)},
+            {QStringLiteral("audits"), platform::jsonArray(audits)},
             {QStringLiteral("widthInches"), layout.widthInches},
             {QStringLiteral("lengthInches"), layout.lengthInches()},
             {QStringLiteral("conventionalLengthInches"), conventionalLengthInches},

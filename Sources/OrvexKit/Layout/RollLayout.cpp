@@ -1,6 +1,7 @@
 #include "Layout/RollLayout.h"
 
 #include "Json/JsonError.h"
+#include "Json/JsonRecords.h"
 #include "Json/JsonWriter.h"
 #include "Layout/LayoutTexts.h"
 
@@ -63,11 +64,7 @@ std::optional<QString> RollLayout::structureValidationError() const {
 RollLayout RollLayout::fromJson(const platform::JsonReader& reader, LayoutCoding coding) {
     RollLayout layout;
     layout.schemaVersion = reader.at("schemaVersion").integer();
-    const auto artworks = reader.at("items");
-    const qsizetype count = artworks.count();
-    for (qsizetype index = 0; index < count; ++index) {
-        layout.items.append(RollArtwork::fromJson(artworks.element(index)));
-    }
+    layout.items = platform::readRecords<RollArtwork>(reader.at("items"));
     // Only a missing key means the default; null is a wrong type.
     if (reader.contains("widthInches")) {
         const auto width = reader.at("widthInches");

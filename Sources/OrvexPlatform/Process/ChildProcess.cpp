@@ -12,6 +12,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <new>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -33,11 +34,16 @@ void requireLaunched(int code, const ChildCommand& command) {
     }
 }
 
+void requireMemory(int code) {
+    if (code != 0) {
+        throw std::bad_alloc(); // the only failure that there is
+    }
+}
+
 // What the child has in place of this process's files: the null device and its pipes, and no others.
 class FileActions {
 public:
-    FileActions(const ChildCommand& command, const ChildOutput& output) {
-        requireLaunched(::posix_spawn_file_actions_init(&actions_), command);
+    FileActions(const ChildCommand& command, const ChildOutput& output) : FileActions() {
         // The pipes go first: an end of theirs may itself stand where the null device comes.
         requireLaunched(::posix_spawn_file_actions_adddup2(&actions_, output.standardOutput(), STDOUT_FILENO), command);
         requireLaunched(::posix_spawn_file_actions_adddup2(&actions_, output.standardError(), STDERR_FILENO), command);
@@ -53,6 +59,9 @@ public:
     [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
 
 private:
+    // Complete before the rest of the construction can fail, so that it is destroyed then.
+    FileActions() { requireMemory(::posix_spawn_file_actions_init(&actions_)); }
+
     posix_spawn_file_actions_t actions_{};
 };
 
@@ -60,8 +69,7 @@ private:
 // be ended together with what it has started. No signal stays blocked or ignored, as this process may have them.
 class Attributes {
 public:
-    explicit Attributes(const ChildCommand& command) {
-        requireLaunched(::posix_spawnattr_init(&attributes_), command);
+    explicit Attributes(const ChildCommand& command) : Attributes() {
         sigset_t none;
         sigset_t all;
         sigemptyset(&none);
@@ -81,6 +89,8 @@ public:
     [[nodiscard]] const posix_spawnattr_t* get() const { return &attributes_; }
 
 private:
+    Attributes() { requireMemory(::posix_spawnattr_init(&attributes_)); }
+
     posix_spawnattr_t attributes_{};
 };
 
