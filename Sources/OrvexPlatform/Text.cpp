@@ -1,5 +1,9 @@
 #include "Text.h"
 
+#include "OrvexLanguage.h"
+
+#include <QCollator>
+#include <QLocale>
 #include <QStringDecoder>
 #include <QTextBoundaryFinder>
 
@@ -23,6 +27,14 @@ QStringDecoder strictDecoder() {
     // Without state, a sequence that the end cuts is invalid, too.
     return QStringDecoder(QStringDecoder::Utf8,
                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+}
+
+/// The collator knows no numeric mode in the C locale.
+QLocale sortingLocale() {
+    if (const QLocale locale; locale.language() != QLocale::C) {
+        return locale;
+    }
+    return QLocale(OrvexLanguage::current().localeIdentifier());
 }
 
 } // namespace
@@ -58,6 +70,16 @@ QString firstCharacters(const QString& text, qsizetype count) {
         finder.toNextBoundary();
     }
     return text.first(finder.position());
+}
+
+bool hasAtMostCharacters(const QString& text, qsizetype count) {
+    return firstCharacters(text, count).size() == text.size();
+}
+
+int localizedStandardCompare(const QString& first, const QString& second) {
+    QCollator collator(sortingLocale());
+    collator.setNumericMode(true);
+    return collator.compare(first, second);
 }
 
 } // namespace orvex::platform

@@ -56,4 +56,11 @@ template <typename IsSeparator>
 /// The first `count` characters of a text, as a person counts them.
 [[nodiscard]] QString firstCharacters(const QString& text, qsizetype count);
 
+/// Whether a text has no more than `count` characters, as a person counts them.
+[[nodiscard]] bool hasAtMostCharacters(const QString& text, qsizetype count);
+
+/// The natural order of names, by which "Canvas 9" comes before "Canvas 10": negative, zero or positive, in the current
+/// locale, or that of the current language where there is none.
+[[nodiscard]] int localizedStandardCompare(const QString& first, const QString& second);
+
 } // namespace orvex::platform

@@ -2,7 +2,6 @@
 
 #include "Files/ApplicationFolder.h"
 #include "Files/FileReplacer.h"
-#include "Files/FileSystemError.h"
 #include "Files/Paths.h"
 #include "Files/RandomAccessFile.h"
 #include "Json/JsonWriter.h"
@@ -97,17 +96,6 @@ bool hasFingerprintIfNeeded(const ProtectedSettingsFile& file) {
     return !isNeeded || isFingerprint(file.sha256);
 }
 
-std::optional<QByteArray> contentIfThere(const QString& path) {
-    try {
-        return platform::readWholeFile(path, ProtectedSettingsBaseline::largestBytes);
-    } catch (const platform::FileSystemError& error) {
-        if (error.isMissing()) {
-            return std::nullopt;
-        }
-        throw;
-    }
-}
-
 } // namespace
 
 InvalidBaselineError::InvalidBaselineError()
@@ -140,7 +128,7 @@ ProtectedSettingsSnapshot ProtectedSettingsBaseline::decode(QByteArrayView json)
 }
 
 std::optional<ProtectedSettingsSnapshot> ProtectedSettingsBaseline::load(const QString& path) {
-    const auto content = contentIfThere(path);
+    const auto content = platform::readFileIfThere(path, largestBytes);
     return content ? std::optional(decode(*content)) : std::nullopt;
 }
 
@@ -152,9 +140,7 @@ void ProtectedSettingsBaseline::save(const ProtectedSettingsSnapshot& snapshot, 
 }
 
 ProtectedSettingsBaselineStore::ProtectedSettingsBaselineStore(const std::optional<QUrl>& directory)
-    : directory_(directory.value_or(QUrl::fromLocalFile(platform::applicationFolder()))) {
-    platform::makeFolder(platform::localPath(directory_));
-}
+    : directory_(platform::storeFolder(directory)) {}
 
 QUrl ProtectedSettingsBaselineStore::fileURL() const {
     const QString name = QStringLiteral("/settings-preservation-baseline.json");

@@ -8,7 +8,6 @@
 #include "Interrupted.h"
 #include "Json/JsonRecords.h"
 #include "Json/JsonWriter.h"
-#include "Layout/LayoutTexts.h"
 #include "Layout/NumberText.h"
 #include "Layout/RollLayout.h"
 #include "Layout/RollSummary.h"

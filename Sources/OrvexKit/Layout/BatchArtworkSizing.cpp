@@ -1,7 +1,6 @@
 #include "Layout/BatchArtworkSizing.h"
 
 #include "Layout/InchLayout.h"
-#include "Layout/LayoutTexts.h"
 #include "Layout/NumberText.h"
 #include "Layout/RollLayout.h"
 #include "OrvexError.h"

@@ -1,6 +1,5 @@
 #include "Layout/LayoutTexts.h"
 
-#include "OrvexError.h"
 #include "OrvexLanguage.h"
 
 namespace orvex {
@@ -38,11 +37,5 @@ QString titled(const QString& title, const QString& message) {
 }
 
 } // namespace LayoutTexts
-
-void refuse(const std::optional<QString>& message) {
-    if (message) {
-        throw OrvexError::invalid(*message);
-    }
-}
 
 } // namespace orvex

@@ -2,8 +2,6 @@
 
 #include <QString>
 
-#include <optional>
-
 namespace orvex {
 
 /// The messages that more than one check of the layout gives, in the current language.
@@ -20,8 +18,5 @@ namespace LayoutTexts {
 [[nodiscard]] QString titled(const QString& title, const QString& message);
 
 } // namespace LayoutTexts
-
-/// Raises OrvexError with the message of a validator, if there is one.
-void refuse(const std::optional<QString>& message);
 
 } // namespace orvex

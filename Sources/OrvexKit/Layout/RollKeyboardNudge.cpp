@@ -1,5 +1,4 @@
 #include "Layout/InchLayout.h"
-#include "Layout/LayoutTexts.h"
 #include "Layout/RollInteraction.h"
 #include "Layout/RollLayout.h"
 #include "OrvexError.h"

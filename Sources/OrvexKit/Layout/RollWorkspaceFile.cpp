@@ -1,7 +1,6 @@
 #include "Layout/RollWorkspaceFile.h"
 
 #include "Json/JsonWriter.h"
-#include "Layout/LayoutTexts.h"
 #include "OrvexError.h"
 #include "OrvexLanguage.h"
 

@@ -32,6 +32,11 @@ bool isAscii(QByteArrayView text) {
     return std::all_of(text.begin(), text.end(), [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
 }
 
+bool hasSoundHeader(const QByteArray& data) {
+    return hasIccSignature(data) && data.size() <= IccProfile::largestBytes && sizeFieldFits(data) &&
+           isAscii(QByteArrayView(data).sliced(classOffset, classAndSpacesBytes));
+}
+
 /// Whether the engine can compute colours from the profile at all: from the device to the connection space, from the
 /// one side of a link to the other, from a name to its colour.
 bool canCompute(const EngineContext& context, const EngineProfile& profile) {
@@ -125,9 +130,12 @@ std::optional<ColorModel> colorModel(IccProfile::Space space) {
     return std::nullopt;
 }
 
+bool IccProfile::isWellFormed(const QByteArray& data) {
+    return hasSoundHeader(data) && iccDirectory(data) && openEngineProfile(makeEngineContext(), data);
+}
+
 std::optional<IccProfile> IccProfile::fromData(const QByteArray& data) {
-    if (!hasIccSignature(data) || data.size() > largestBytes || !sizeFieldFits(data) ||
-        !isAscii(QByteArrayView(data).sliced(classOffset, classAndSpacesBytes))) {
+    if (!hasSoundHeader(data)) {
         return std::nullopt;
     }
     const auto tags = iccDirectory(data);

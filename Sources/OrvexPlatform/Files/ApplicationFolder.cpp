@@ -1,5 +1,6 @@
 #include "Files/ApplicationFolder.h"
 
+#include "Files/DescriptorIO.h"
 #include "Files/FileSystemError.h"
 #include "Files/Paths.h"
 
@@ -16,9 +17,21 @@ namespace {
 
 constexpr mode_t ownerOnly = 0700; // what the XDG Base Directory Specification asks for
 
+/// So that what was just made in the folder outlives a power failure. If that cannot be, it is there all the same.
+void synchronizeIfPossible(const QString& folder) {
+    try {
+        synchronize(openFolder(folder), folder);
+    } catch (const FileSystemError&) {
+    }
+}
+
 /// The errno value, 0 for success.
 int makeOneFolder(const QString& path) {
-    return ::mkdir(nativePath(path).constData(), ownerOnly) == 0 ? 0 : errno;
+    if (::mkdir(nativePath(path).constData(), ownerOnly) != 0) {
+        return errno;
+    }
+    synchronizeIfPossible(QFileInfo(path).path());
+    return 0;
 }
 
 } // namespace
@@ -28,6 +41,13 @@ QString applicationFolder() {
     // One that is not absolute has to be ignored; Qt takes it, and the place would depend on the current folder.
     const QString dataFolder = named.startsWith(u'/') ? named : QDir::homePath() + QStringLiteral("/.local/share");
     return platform::standardizedPath(dataFolder + QStringLiteral("/ORVEX"));
+}
+
+QUrl storeFolder(const std::optional<QUrl>& directory, const QString& name) {
+    const QString ownPlace = standardizedPath(applicationFolder() + u'/' + name);
+    const QUrl folder = directory.value_or(QUrl::fromLocalFile(ownPlace));
+    makeFolder(localPath(folder));
+    return folder;
 }
 
 void makeFolder(const QString& path) {

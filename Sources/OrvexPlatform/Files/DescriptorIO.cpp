@@ -37,6 +37,14 @@ FileDescriptor openRegularFile(const QString& path, int flags) {
     return file;
 }
 
+FileDescriptor openFolder(const QString& path) {
+    FileDescriptor folder(::open(nativePath(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder.isOpen()) {
+        throw FileSystemError::last(path);
+    }
+    return folder;
+}
+
 void requireRegularFile(const FileDescriptor& file, const QString& path) {
     const mode_t mode = factsOf(file, path).st_mode;
     if (!S_ISREG(mode)) {

@@ -17,6 +17,9 @@ namespace orvex::platform {
 /// for.
 [[nodiscard]] FileDescriptor openRegularFile(const QString& path, int flags);
 
+/// Opens a folder, so that it can be synchronised.
+[[nodiscard]] FileDescriptor openFolder(const QString& path);
+
 /// Refuses an open file that is no regular one.
 void requireRegularFile(const FileDescriptor& file, const QString& path);
 

@@ -2,11 +2,13 @@
 
 #include "Files/DescriptorIO.h"
 #include "Files/FileSystemError.h"
+#include "Files/FolderEntries.h"
 #include "Files/LiveTemporaries.h"
 #include "Files/Paths.h"
 
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QUuid>
 
 #include <fcntl.h>
@@ -67,12 +69,40 @@ QString temporaryNameBeside(QString name) {
     return temporary;
 }
 
-FileDescriptor openFolder(const QString& path) {
-    FileDescriptor folder(::open(nativePath(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!folder.isOpen()) {
-        throw FileSystemError::last(path);
+/// The names that `temporaryNameBeside` gives for the names of a pattern.
+QRegularExpression temporaryNames(const QString& namePattern) {
+    return QRegularExpression(
+        QStringLiteral("\\A\\.%1\\.[0-9a-f]{8}-([0-9a-f]{4}-){3}[0-9a-f]{12}\\.tmp\\z").arg(namePattern),
+        QRegularExpression::DotMatchesEverythingOption);
+}
+
+/// Removes a temporary file that nobody writes any more: whoever writes one keeps it locked.
+void removeIfStale(const QString& path) {
+    const QByteArray native = nativePath(path);
+    const FileDescriptor file(::open(native.constData(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
+    if (file.isOpen() && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0) {
+        ::unlink(native.constData());
     }
-    return folder;
+}
+
+void removeStale(const QString& folder, const QString& namePattern) {
+    try {
+        const QStringList stale = folderEntries(folder).filter(temporaryNames(namePattern));
+        for (const QString& name : stale) {
+            removeIfStale(folder + u'/' + name);
+        }
+    } catch (const FileSystemError&) {
+        // A leftover harms nothing, and what is wrong with the folder the writing itself will say.
+    }
+}
+
+FileDescriptor createFile(const QString& path, mode_t permissions, const QString& destination) {
+    FileDescriptor file(
+        ::open(nativePath(path).constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, permissions));
+    if (!file.isOpen()) {
+        throw FileSystemError::last(destination);
+    }
+    return file;
 }
 
 } // namespace
@@ -81,22 +111,45 @@ FileReplacer FileReplacer::open(const QString& destination, const QString& tempo
     const QString target = destinationBehindLinks(destination);
     const std::optional<mode_t> permissions = permissionsToKeep(target);
     const QFileInfo info(target);
-    // Opened before anything is written: a folder that could not be synchronised must not fail after the renaming.
-    FileDescriptor folder = openFolder(info.path());
-    const QString name = temporaryName.isEmpty() ? temporaryNameBeside(info.fileName()) : temporaryName;
-    const QString temporaryPath = info.path() + u'/' + name;
-    FileDescriptor descriptor(::open(nativePath(temporaryPath).constData(),
-                                     O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, permissions ? 0600 : 0666));
-    if (!descriptor.isOpen()) {
-        throw FileSystemError::last(destination);
+    if (temporaryName.isEmpty()) {
+        removeStale(info.path(), QRegularExpression::escape(info.fileName()));
     }
-    LiveTemporaries::add(temporaryPath);
-    FileReplacer replacer(std::move(folder), std::move(descriptor), target, temporaryPath);
-    const int file = replacer.descriptor_.get();
-    if (::flock(file, LOCK_EX | LOCK_NB) != 0 || (permissions && ::fchmod(file, *permissions) != 0)) {
-        throw FileSystemError::last(destination);
+    for (;;) {
+        // Opened before anything is written: a folder that could not be synchronised must not fail after the renaming.
+        FileDescriptor folder = openFolder(info.path());
+        const QString name = temporaryName.isEmpty() ? temporaryNameBeside(info.fileName()) : temporaryName;
+        const QString temporaryPath = info.path() + u'/' + name;
+        FileDescriptor descriptor = createFile(temporaryPath, permissions ? 0600 : 0666, destination);
+        LiveTemporaries::add(temporaryPath);
+        FileReplacer replacer(std::move(folder), std::move(descriptor), target, temporaryPath);
+        if (!replacer.lock()) {
+            continue;
+        }
+        if (permissions && ::fchmod(replacer.descriptor_.get(), *permissions) != 0) {
+            throw FileSystemError::last(destination);
+        }
+        return replacer;
     }
-    return replacer;
+}
+
+bool FileReplacer::lock() const {
+    if (::flock(descriptor_.get(), LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EWOULDBLOCK) {
+            return false;
+        }
+        throw FileSystemError::last(destination_);
+    }
+
+    struct stat opened {};
+
+    struct stat named {};
+
+    return ::fstat(descriptor_.get(), &opened) == 0 && ::lstat(nativePath(temporaryPath_).constData(), &named) == 0 &&
+           opened.st_ino == named.st_ino;
+}
+
+void FileReplacer::removeStaleTemporaries(const QString& folder) {
+    removeStale(folder, QStringLiteral(".+"));
 }
 
 FileReplacer::FileReplacer(FileReplacer&& other) noexcept
@@ -132,6 +185,14 @@ void FileReplacer::commit() {
 void FileReplacer::replace(const QString& destination, QByteArrayView content) {
     FileReplacer replacer = open(destination);
     replacer.write(content);
+    replacer.commit();
+}
+
+void FileReplacer::replace(const QString& destination, const QByteArrayList& pieces) {
+    FileReplacer replacer = open(destination);
+    for (const QByteArray& piece : pieces) {
+        replacer.write(piece);
+    }
     replacer.commit();
 }
 

@@ -3,6 +3,7 @@
 #include "Files/FileDescriptor.h"
 
 #include <QByteArray>
+#include <QByteArrayList>
 #include <QString>
 
 namespace orvex::platform {
@@ -19,7 +20,7 @@ namespace orvex::platform {
 class FileReplacer {
 public:
     /// Opens the temporary file. `temporaryName` is its file name; an empty one gives ".{name}.{UUID}.tmp", the name
-    /// cut where the whole would be too long for the system.
+    /// cut where the whole would be too long for the system, and removes the stale ones of the same destination.
     [[nodiscard]] static FileReplacer open(const QString& destination, const QString& temporaryName = {});
 
     FileReplacer(FileReplacer&&) noexcept;
@@ -40,12 +41,22 @@ public:
     /// Replaces a file by the given content in one call.
     static void replace(const QString& destination, QByteArrayView content);
 
+    /// The same for a content that comes in pieces.
+    static void replace(const QString& destination, const QByteArrayList& pieces);
+
+    /// Removes what killed processes have left of writing the files of a folder: temporary files with the name that
+    /// `open` gives them which nobody has locked. Whatever cannot be removed stays, without a word.
+    static void removeStaleTemporaries(const QString& folder);
+
 private:
     FileReplacer(FileDescriptor folder, FileDescriptor descriptor, QString destination, QString temporaryPath)
         : folder_(std::move(folder)),
           descriptor_(std::move(descriptor)),
           destination_(std::move(destination)),
           temporaryPath_(std::move(temporaryPath)) {}
+
+    /// Locks the temporary file. False if another process has just taken it for a stale one, before it was locked.
+    [[nodiscard]] bool lock() const;
 
     FileDescriptor folder_;
     FileDescriptor descriptor_;

@@ -33,4 +33,15 @@ QByteArray readWholeFile(const QString& path, qint64 limitBytes) {
     return file.bytesAt(0, file.size());
 }
 
+std::optional<QByteArray> readFileIfThere(const QString& path, qint64 limitBytes) {
+    try {
+        return readWholeFile(path, limitBytes);
+    } catch (const FileSystemError& error) {
+        if (error.isMissing()) {
+            return std::nullopt;
+        }
+        throw;
+    }
+}
+
 } // namespace orvex::platform

@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <stop_token>
 
@@ -50,5 +51,8 @@ private:
 
 /// The whole content of a regular file. Raises FileSystemError, also if the file is larger than `limitBytes`.
 [[nodiscard]] QByteArray readWholeFile(const QString& path, qint64 limitBytes);
+
+/// The same; absent if there is no such file.
+[[nodiscard]] std::optional<QByteArray> readFileIfThere(const QString& path, qint64 limitBytes);
 
 } // namespace orvex::platform

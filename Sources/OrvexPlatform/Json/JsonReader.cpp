@@ -1,6 +1,7 @@
 #include "Json/JsonReader.h"
 
 #include "Json/JsonError.h"
+#include "Json/JsonGrammar.h"
 #include "OrvexLanguage.h"
 
 #include <QJsonArray>
@@ -28,12 +29,17 @@ std::optional<double> nonFiniteNumber(const QString& text) {
     return std::nullopt;
 }
 
-/// The text with every byte order mark but one at its start spelled as an escape: Qt drops one that begins a string.
-QByteArray withSpelledMarks(QByteArrayView utf8) {
-    constexpr QByteArrayView mark = "\xEF\xBB\xBF";
-    const QByteArrayView text = utf8.startsWith(mark) ? utf8.sliced(mark.size()) : utf8;
+constexpr QByteArrayView byteOrderMark = "\xEF\xBB\xBF";
+
+/// The text with every byte order mark spelled as an escape: Qt drops one that begins a string.
+QByteArray withSpelledMarks(QByteArrayView text) {
     const QByteArray bytes = QByteArray::fromRawData(text.data(), text.size());
-    return bytes.contains(mark) ? QByteArray(bytes).replace(mark, "\\ufeff") : bytes;
+    return bytes.contains(byteOrderMark) ? QByteArray(bytes).replace(byteOrderMark, "\\ufeff") : bytes;
+}
+
+JsonError noJson(qsizetype offset) {
+    return {{},
+            spt("内容不是有效的 JSON（第 %1 字节处）。", "Not valid JSON (at byte %1).").arg(QString::number(offset))};
 }
 
 QJsonValue topValue(const QJsonDocument& document) {
@@ -43,11 +49,14 @@ QJsonValue topValue(const QJsonDocument& document) {
 } // namespace
 
 JsonReader JsonReader::parse(QByteArrayView utf8, JsonNumbers numbers) {
+    const QByteArrayView text = utf8.startsWith(byteOrderMark) ? utf8.sliced(byteOrderMark.size()) : utf8;
+    if (const auto offset = jsonGrammarError(text)) {
+        throw noJson(*offset);
+    }
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(withSpelledMarks(utf8), &error);
+    const QJsonDocument document = QJsonDocument::fromJson(withSpelledMarks(text), &error);
     if (error.error != QJsonParseError::NoError) {
-        throw JsonError({}, spt("内容不是有效的 JSON（第 %1 字节处）。", "Not valid JSON (at byte %1).")
-                                .arg(QString::number(error.offset)));
+        throw noJson(error.offset); // text that is not UTF-8, or a number beyond the range
     }
     return {topValue(document), {}, numbers};
 }

@@ -16,9 +16,9 @@ namespace orvex::platform {
 /// One JSON value that knows its key path, read with types demanded. Every reader raises JsonError, with the key path,
 /// for a value of another type.
 ///
-/// Decided here once, for all records: UTF-8 with or without a byte-order mark; unknown keys are ignored; the last of
-/// duplicate keys counts; 1, 1.0 and 1e0 are the same integer; escaped and plain slashes are the same text; numbers
-/// beyond the range of a double and nesting deeper than Qt's 1024 levels are refused.
+/// Decided here once, for all records: UTF-8 with or without a byte-order mark, and to the letter of RFC 8259; unknown
+/// keys are ignored; the last of duplicate keys counts; 1, 1.0 and 1e0 are the same integer; escaped and plain slashes
+/// are the same text; numbers beyond the range of a double and nesting deeper than 1024 levels are refused.
 class JsonReader {
 public:
     /// The top value of a document. Raises JsonError for bytes that are no JSON.

@@ -3,11 +3,14 @@
 #include "Json/JsonNumbers.h"
 
 #include <QByteArray>
+#include <QByteArrayList>
 #include <QJsonObject>
 #include <QJsonValue>
 #include <QString>
 #include <QUrl>
 #include <QUuid>
+
+#include <functional>
 
 namespace orvex::platform {
 
@@ -30,5 +33,11 @@ enum class JsonForm {
 
 /// The bytes of an object or array. The pretty forms end in a line feed.
 [[nodiscard]] QByteArray writeJson(const QJsonValue& value, JsonForm form);
+
+/// The bytes of an array in a pretty form, as writeJson gives them, in pieces that are made on all processors.
+/// `element` gives one of the `count` elements, which are objects; it is called on several threads at once. Raises what
+/// `element` raises.
+[[nodiscard]] QByteArrayList writeJsonArray(qsizetype count, const std::function<QJsonObject(qsizetype)>& element,
+                                            JsonForm form);
 
 } // namespace orvex::platform
