@@ -4,6 +4,7 @@
 
 #include <QCollator>
 #include <QLocale>
+#include <QRegularExpression>
 #include <QStringDecoder>
 #include <QTextBoundaryFinder>
 
@@ -74,6 +75,12 @@ QString firstCharacters(const QString& text, qsizetype count) {
 
 bool hasAtMostCharacters(const QString& text, qsizetype count) {
     return firstCharacters(text, count).size() == text.size();
+}
+
+std::optional<QUuid> uuid(const QString& text) {
+    static const QRegularExpression canonical(
+        QStringLiteral("\\A[0-9A-Fa-f]{8}-(?:[0-9A-Fa-f]{4}-){3}[0-9A-Fa-f]{12}\\z"));
+    return canonical.match(text).hasMatch() ? std::optional(QUuid::fromString(text)) : std::nullopt;
 }
 
 int localizedStandardCompare(const QString& first, const QString& second) {

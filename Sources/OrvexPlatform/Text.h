@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 #include <QStringView>
+#include <QUuid>
 
 #include <algorithm>
 #include <optional>
@@ -58,6 +59,9 @@ template <typename IsSeparator>
 
 /// Whether a text has no more than `count` characters, as a person counts them.
 [[nodiscard]] bool hasAtMostCharacters(const QString& text, qsizetype count);
+
+/// The UUID of a text in the canonical form, its letters of either case; absent for any other text.
+[[nodiscard]] std::optional<QUuid> uuid(const QString& text);
 
 /// The natural order of names, by which "Canvas 9" comes before "Canvas 10": negative, zero or positive, in the current
 /// locale, or that of the current language where there is none.

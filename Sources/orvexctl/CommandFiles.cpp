@@ -85,6 +85,10 @@ void writeOutput(const QString& path, QByteArrayView bytes) {
     }
 }
 
+void printFile(const QString& path, const std::stop_token& stop) {
+    platform::RandomAccessFile::open(path, stop).forEachPiece(writeStandardOutput);
+}
+
 void printResult(const QJsonValue& value) {
     writeStandardOutput(platform::writeJson(value, platform::JsonForm::pretty));
 }

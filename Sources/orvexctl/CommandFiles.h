@@ -8,6 +8,7 @@
 #include <QUrl>
 
 #include <functional>
+#include <stop_token>
 #include <string>
 
 namespace orvex {
@@ -26,6 +27,9 @@ void readStandardInput(const std::function<void(QByteArrayView)>& take);
 
 /// Replaces a file by these bytes, or writes them to standard output. Raises FileSystemError.
 void writeOutput(const QString& path, QByteArrayView bytes);
+
+/// Writes the content of a file to standard output. Raises FileSystemError and Interrupted.
+void printFile(const QString& path, const std::stop_token& stop);
 
 /// Prints a result on standard output, indented.
 void printResult(const QJsonValue& value);

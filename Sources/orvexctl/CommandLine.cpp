@@ -1,10 +1,12 @@
 #include "CommandLine.h"
 
+#include "CommandText.h"
 #include "Commands.h"
 #include "Failure.h"
 #include "Interrupted.h"
 #include "Interruption.h"
 #include "OrvexLanguage.h"
+#include "OrvexQAWorkspace.h"
 
 #include <QLocale>
 
@@ -19,6 +21,14 @@ void useLanguage(const std::string& tag) {
     OrvexLanguage::setConfigured(QString::fromStdString(tag));
     // Shown numbers follow the language that was asked for.
     QLocale::setDefault(QLocale(tag == "en" ? QStringLiteral("en_US") : QStringLiteral("zh_CN")));
+}
+
+/// The stores would take a folder that is not understood for none, and use the operator's own data.
+void requireWorkspace(const std::string&) {
+    if (!OrvexQAWorkspace::directory()) {
+        throw CLI::ValidationError("--orvex-qa-workspace",
+                                   description("其后须为文件夹的绝对路径", "an absolute path of a folder must follow"));
+    }
 }
 
 void printError(const QString& message) {
@@ -43,9 +53,9 @@ void addCommands(CLI::App& app, CommandContext& context) {
            spt("消息与数字所用的语言", "the language of messages and shown numbers").toStdString())
         ->check(CLI::IsMember({"en", "zh-Hans"}))
         ->trigger_on_parse();
-    // Read from the process's own arguments where it is needed; here it only has to be known.
+    // Read from the process's own arguments where it is needed.
     app.add_option_function<std::string>(
-           "--orvex-qa-workspace", [](const std::string&) {},
+           "--orvex-qa-workspace", requireWorkspace,
            spt("代替应用文件夹的文件夹", "the folder that stands for the application folder").toStdString())
         ->type_name("DIR");
     addRollCommand(app, context);
@@ -59,6 +69,9 @@ void addCommands(CLI::App& app, CommandContext& context) {
     addPrintersCommand(app, context);
     addTelemetryCommand(app, context);
     addFingerprintCommand(app, context);
+    addJobsCommand(app, context);
+    addPresetsCommand(app, context);
+    addJournalCommand(app, context);
     addApplyCommand(app, context);
 }
 

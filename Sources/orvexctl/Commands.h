@@ -26,6 +26,9 @@ void addPreviewCommand(CLI::App& app, CommandContext& context);
 void addPrintersCommand(CLI::App& app, CommandContext& context);
 void addTelemetryCommand(CLI::App& app, CommandContext& context);
 void addFingerprintCommand(CLI::App& app, CommandContext& context);
+void addJobsCommand(CLI::App& app, CommandContext& context);
+void addPresetsCommand(CLI::App& app, CommandContext& context);
+void addJournalCommand(CLI::App& app, CommandContext& context);
 void addApplyCommand(CLI::App& app, CommandContext& context);
 
 } // namespace orvex

@@ -2,8 +2,6 @@
 
 #include "CommandFiles.h"
 #include "Files/Paths.h"
-#include "Files/RandomAccessFile.h"
-#include "Interrupted.h"
 
 namespace orvex {
 
@@ -19,14 +17,8 @@ QUrl PdfDestination::url() const {
 }
 
 void PdfDestination::deliver(const std::stop_token& stop) const {
-    if (!isStandardOutput()) {
-        return;
-    }
-    constexpr qint64 pieceBytes = 1 << 20;
-    const auto file = platform::RandomAccessFile::open(path_);
-    for (qint64 offset = 0; offset < file.size(); offset += pieceBytes) {
-        platform::throwIfStopped(stop);
-        writeOutput(QStringLiteral("-"), file.bytesAt(offset, pieceBytes));
+    if (isStandardOutput()) {
+        printFile(path_, stop);
     }
 }
 

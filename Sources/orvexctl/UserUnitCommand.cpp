@@ -10,14 +10,6 @@ namespace orvex {
 
 namespace {
 
-void copyInto(platform::FileReplacer& copy, const platform::RandomAccessFile& file, const std::stop_token& stop) {
-    constexpr qint64 pieceBytes = 1 << 20;
-    for (qint64 offset = 0; offset < file.size(); offset += pieceBytes) {
-        platform::throwIfStopped(stop);
-        copy.write(file.bytesAt(offset, pieceBytes));
-    }
-}
-
 /// The patch itself may leave a half-updated file behind, so it works on a copy that replaces the file when it is done.
 void runUserUnit(const std::string& pdf, double value, const CommandContext& context) {
     const QString path = argumentText(pdf);
@@ -25,9 +17,9 @@ void runUserUnit(const std::string& pdf, double value, const CommandContext& con
         throw CLI::ValidationError("PDF", description("UserUnit 写入原文件，不能使用标准输入",
                                                       "the file is changed in place; standard input cannot be"));
     }
-    const auto file = platform::RandomAccessFile::open(path);
+    const auto file = platform::RandomAccessFile::open(path, context.stop);
     auto copy = platform::FileReplacer::open(path);
-    copyInto(copy, file, context.stop);
+    file.forEachPiece([&](QByteArrayView piece) { copy.write(piece); });
     RollPDFUserUnit::apply(value, copy.temporaryPath());
     platform::throwIfStopped(context.stop);
     copy.commit();

@@ -90,4 +90,11 @@ QUrl LocalQueueStore::pdfURL(const StagedJob& job) const {
     return QUrl::fromLocalFile(StoreFiles::path(directory_, job.pdfFileName()));
 }
 
+void LocalQueueStore::exportPDF(const StagedJob& job, const QUrl& to, const std::stop_token& stop) const {
+    const auto pdf = platform::RandomAccessFile::open(platform::localPath(pdfURL(job)), stop);
+    auto copy = platform::FileReplacer::open(platform::localPath(to));
+    pdf.forEachPiece([&](QByteArrayView piece) { copy.write(piece); });
+    copy.commit();
+}
+
 } // namespace orvex

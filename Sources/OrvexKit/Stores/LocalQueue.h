@@ -15,6 +15,7 @@
 #include <QUuid>
 
 #include <optional>
+#include <stop_token>
 
 namespace orvex {
 
@@ -73,6 +74,10 @@ public:
 
     /// The place of the job's PDF.
     [[nodiscard]] QUrl pdfURL(const StagedJob& job) const;
+
+    /// Copies the job's PDF to a file, which keeps its old content until the copy is complete. Raises Interrupted once
+    /// a stop is requested.
+    void exportPDF(const StagedJob& job, const QUrl& to, const std::stop_token& stop = {}) const;
 
 private:
     [[nodiscard]] QString listPath() const;

@@ -23,6 +23,8 @@ namespace {
 
 using platform::IccProfile;
 
+const QString presetsName = QStringLiteral("presets");
+
 QString profilesFolder(const QUrl& directory) {
     return StoreFiles::path(directory, QStringLiteral("profiles"));
 }
@@ -95,8 +97,12 @@ bool comesBefore(const PrintPreset& first, const PrintPreset& second) {
 } // namespace
 
 PresetStore::PresetStore(const std::optional<QUrl>& directory)
-    : directory_(platform::storeFolder(directory, QStringLiteral("presets"))) {
+    : directory_(platform::storeFolder(directory, presetsName)) {
     platform::makeFolder(profilesFolder(directory_));
+}
+
+QUrl PresetStore::folderIn(const QUrl& applicationFolder) {
+    return QUrl::fromLocalFile(StoreFiles::path(applicationFolder, presetsName));
 }
 
 QList<PrintPreset> PresetStore::load() const {

@@ -21,6 +21,9 @@ public:
     /// they are missing.
     explicit PresetStore(const std::optional<QUrl>& directory = std::nullopt);
 
+    /// The folder of the presets in a folder that stands for the application folder.
+    [[nodiscard]] static QUrl folderIn(const QUrl& applicationFolder);
+
     [[nodiscard]] const QUrl& directory() const { return directory_; }
 
     /// All presets, those updated last first. One that cannot be read, or whose profile is missing or altered, ends the

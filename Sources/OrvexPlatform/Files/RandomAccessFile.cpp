@@ -5,6 +5,7 @@
 
 #include <fcntl.h>
 
+#include <algorithm>
 #include <cerrno>
 
 namespace orvex::platform {
@@ -23,6 +24,18 @@ qint64 RandomAccessFile::readAt(qint64 offset, std::span<std::byte> buffer) cons
 QByteArray RandomAccessFile::bytesAt(qint64 offset, qint64 count) const {
     throwIfStopped();
     return platform::bytesAt(descriptor_, size_, offset, count, path_);
+}
+
+void RandomAccessFile::forEachPiece(const std::function<void(QByteArrayView)>& take) const {
+    constexpr qint64 pieceBytes = 1 << 20;
+    for (qint64 offset = 0; offset < size_; offset += pieceBytes) {
+        const qint64 expected = std::min(pieceBytes, size_ - offset);
+        const QByteArray piece = bytesAt(offset, expected);
+        if (piece.size() < expected) {
+            throw FileSystemError(EIO, path_);
+        }
+        take(piece);
+    }
 }
 
 QByteArray readWholeFile(const QString& path, qint64 limitBytes) {

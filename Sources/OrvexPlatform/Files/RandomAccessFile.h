@@ -4,9 +4,11 @@
 #include "Interrupted.h"
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <span>
 #include <stop_token>
@@ -35,6 +37,10 @@ public:
 
     /// The bytes from `offset`, fewer than `count` only at the end of the file. Raises what `readAt` raises.
     [[nodiscard]] QByteArray bytesAt(qint64 offset, qint64 count) const;
+
+    /// Hands over all bytes, piece by piece. Raises what `readAt` raises, and FileSystemError for a file that has
+    /// become shorter.
+    void forEachPiece(const std::function<void(QByteArrayView)>& take) const;
 
 private:
     RandomAccessFile(FileDescriptor descriptor, QString path, qint64 size, std::stop_token stop)

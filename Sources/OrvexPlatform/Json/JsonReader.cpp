@@ -3,11 +3,11 @@
 #include "Json/JsonError.h"
 #include "Json/JsonGrammar.h"
 #include "OrvexLanguage.h"
+#include "Text.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QRegularExpression>
 
 #include <cmath>
 #include <limits>
@@ -133,13 +133,11 @@ double JsonReader::number() const {
 }
 
 QUuid JsonReader::uuid() const {
-    static const QRegularExpression canonical(
-        QStringLiteral("\\A[0-9A-Fa-f]{8}-(?:[0-9A-Fa-f]{4}-){3}[0-9A-Fa-f]{12}\\z"));
-    const QString value = text();
-    if (!canonical.match(value).hasMatch()) {
+    const auto id = platform::uuid(text());
+    if (!id) {
         failType(" UUID", "a UUID");
     }
-    return QUuid::fromString(value);
+    return *id;
 }
 
 QUrl JsonReader::url() const {

@@ -1,0 +1,18 @@
+#include "StoreAnswers.h"
+
+#include "CommandText.h"
+#include "Text.h"
+
+#include <CLI/CLI.hpp>
+
+namespace orvex {
+
+QUuid idArgument(const std::string& argument) {
+    const auto id = platform::uuid(argumentText(argument));
+    if (!id) {
+        throw CLI::ValidationError("ID", description("须为 UUID", "is no UUID"));
+    }
+    return *id;
+}
+
+} // namespace orvex
