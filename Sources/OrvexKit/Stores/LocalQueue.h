@@ -27,7 +27,7 @@ struct StagedJob {
     QString title;
     QString printerName; ///< the queue that was selected when the job was staged
     platform::Timestamp createdAt = platform::Timestamp::now();
-    DocumentSettings settings;
+    DocumentSettings settings = {};
     QString sourceProfile; ///< the description of the source colour profile
     std::optional<QString> inspectedICC = std::nullopt;
     std::optional<ColorWorkflow> colorWorkflow = std::nullopt;

@@ -81,7 +81,7 @@ PrintPreset readPreset(const PresetStore& store, const QString& filename) {
 }
 
 OrvexError unreadablePreset(const QString& filename, const QString& reason) {
-    return OrvexError::invalid(spt("无法读取预设 %1：%2 原文件已保留。请修复或移走该文件后再继续。",
+    return OrvexError::invalid(spt("无法读取预设 %1。原文件已保留，请修复或移走该文件后再继续。原因：%2",
                                    "Cannot read preset %1: %2 The original file was kept. Repair or move it before "
                                    "continuing.")
                                    .arg(filename, reason));

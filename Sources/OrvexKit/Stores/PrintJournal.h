@@ -36,11 +36,11 @@ struct PrintObservation {
     platform::Timestamp createdAt = platform::Timestamp::now();
     qint64 sequenceNumber = 1; ///< of the print in its run, from 1
     PrintObservationResult result = PrintObservationResult::normal;
-    QString note;
-    QString artwork;
-    QString media;
-    QString preset;
-    QString colorMode; ///< the colour workflow in words
+    QString note = {};
+    QString artwork = {};
+    QString media = {};
+    QString preset = {};
+    QString colorMode = {}; ///< the colour workflow in words
     std::optional<QString> iccSHA256 = std::nullopt;
 
     /// Raises JsonError, for an unknown result, too.

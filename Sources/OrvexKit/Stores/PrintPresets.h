@@ -56,11 +56,11 @@ struct PrintPreset {
     QString name;
     platform::Timestamp createdAt;
     platform::Timestamp updatedAt;
-    DocumentSettings settings;
-    QString mediaName;
-    std::optional<DriverOptionSelection> driverQuality;
-    ColorWorkflow colorWorkflow;
-    std::optional<ManagedICCAsset> iccAsset;
+    DocumentSettings settings = {};
+    QString mediaName = {};
+    std::optional<DriverOptionSelection> driverQuality = std::nullopt;
+    ColorWorkflow colorWorkflow = {};
+    std::optional<ManagedICCAsset> iccAsset = std::nullopt;
 
     /// The message of the first rule that the preset breaks, or nothing.
     [[nodiscard]] std::optional<QString> validationError() const;
