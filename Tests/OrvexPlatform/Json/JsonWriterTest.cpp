@@ -77,6 +77,31 @@ TEST(JsonWriter, writesNumbersThatComeBackToTheLastBit) {
     EXPECT_EQ(writeJson(object, JsonForm::compactLine).toStdString(), R"({"v":-9223372036854775808})");
 }
 
+QJsonObject numbered(qsizetype index) {
+    return {{QStringLiteral("a/b"), QJsonArray{index, QStringLiteral("],/\n")}}, {QStringLiteral("A"), QJsonObject{}}};
+}
+
+TEST(JsonWriter, writesAnArrayInPiecesAsInOne) {
+    for (const qsizetype count : {0, 1, 2, 63, 64, 65, 127, 128, 129, 200}) {
+        QJsonArray whole;
+        for (qsizetype index = 0; index < count; ++index) {
+            whole.append(numbered(index));
+        }
+        for (const JsonForm form : {JsonForm::pretty, JsonForm::prettyEscapedSlashes}) {
+            EXPECT_EQ(writeJsonArray(count, numbered, form).join().toStdString(), writeJson(whole, form).toStdString());
+        }
+    }
+}
+
+TEST(JsonWriter, raisesWhatAnElementOfAnArrayRaises) {
+    for (const qsizetype bad : {0, 63, 64, 199}) {
+        const auto element = [bad](qsizetype index) {
+            return QJsonObject{{QStringLiteral("v"), jsonNumber("v", index == bad ? std::nan("") : 1.0)}};
+        };
+        EXPECT_THROW((void)writeJsonArray(200, element, JsonForm::pretty), JsonInvalidNumber) << bad;
+    }
+}
+
 TEST(JsonNumber, refusesWhatJsonLacks) {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     for (const double number : {std::numeric_limits<double>::quiet_NaN(), infinity, -infinity}) {
