@@ -76,11 +76,18 @@ QRegularExpression temporaryNames(const QString& namePattern) {
         QRegularExpression::DotMatchesEverythingOption);
 }
 
-/// Removes a temporary file that nobody writes any more: whoever writes one keeps it locked.
+bool isRegular(const FileDescriptor& file) {
+    struct stat facts {};
+
+    return ::fstat(file.get(), &facts) == 0 && S_ISREG(facts.st_mode);
+}
+
+/// Removes a temporary file that nobody writes any more: whoever writes one keeps it locked. Anything but a regular
+/// file was made by somebody else.
 void removeIfStale(const QString& path) {
     const QByteArray native = nativePath(path);
     const FileDescriptor file(::open(native.constData(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
-    if (file.isOpen() && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0) {
+    if (file.isOpen() && isRegular(file) && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0) {
         ::unlink(native.constData());
     }
 }

@@ -44,8 +44,8 @@ public:
     /// The same for a content that comes in pieces.
     static void replace(const QString& destination, const QByteArrayList& pieces);
 
-    /// Removes what killed processes have left of writing the files of a folder: temporary files with the name that
-    /// `open` gives them which nobody has locked. Whatever cannot be removed stays, without a word.
+    /// Removes what killed processes have left of writing the files of a folder: regular files with the name that
+    /// `open` gives the temporary ones which nobody has locked. Whatever cannot be removed stays, without a word.
     static void removeStaleTemporaries(const QString& folder);
 
 private:

@@ -12,9 +12,11 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 
 namespace orvex::platform {
 
@@ -370,6 +372,201 @@ TEST_F(FileReplacerTest, NamesTheDestinationInItsFailures) {
     } catch (const FileSystemError& error) {
         EXPECT_EQ(error.message(), path("folder") + QStringLiteral(": Is a directory"));
     }
+}
+
+namespace {
+
+constexpr auto uuid = "01234567-89ab-cdef-0123-456789abcdef";
+
+/// A folder with what killed processes and others have left in it.
+class StaleTemporaries : public FileReplacerTest {
+protected:
+    /// Writes a file with the name of a temporary one beside `name`.
+    QString leave(const QByteArray& name) const {
+        return folder_.write(QString::fromUtf8('.' + name + '.' + uuid + ".tmp"), "left");
+    }
+
+    /// Of these names, those that are still there.
+    QStringList left(const QStringList& names) const {
+        QStringList there;
+        for (const QString& name : names) {
+            if (folder_.names().contains(name)) {
+                there.append(name);
+            }
+        }
+        return there;
+    }
+};
+
+QStringList namesThatOnlyResembleTemporaryOnes() {
+    return {
+        QStringLiteral("a.json.01234567-89ab-cdef-0123-456789abcdef.tmp"),
+        QStringLiteral(".a.json.01234567-89AB-CDEF-0123-456789ABCDEF.tmp"),
+        QStringLiteral(".a.json.{01234567-89ab-cdef-0123-456789abcdef}.tmp"),
+        QStringLiteral(".a.json.0123456789abcdef0123456789abcdef.tmp"),
+        QStringLiteral(".a.json.01234567-89ab-cdef-0123-456789abcde.tmp"),
+        QStringLiteral(".a.json.01234567-89ab-cdef-0123-456789abcdefa.tmp"),
+        QStringLiteral(".a.json.01234567-89ab-cdef-0123-456789abcdeg.tmp"),
+        QStringLiteral(".a.json.01234567-89ab-cdef-0123-456789abcdef.TMP"),
+        QStringLiteral(".a.json.01234567-89ab-cdef-0123-456789abcdef.tmp~"),
+        QStringLiteral(".a.json.01234567-89ab-cdef-0123-456789abcdef.tmp\n"),
+        QStringLiteral(".a.json.01234567-89ab-cdef-0123-456789abcdef"),
+        QStringLiteral(".a.json.tmp"),
+        QStringLiteral(".01234567-89ab-cdef-0123-456789abcdef.tmp"),
+        QStringLiteral("..01234567-89ab-cdef-0123-456789abcdef.tmp"),
+        QStringLiteral(".a.json01234567-89ab-cdef-0123-456789abcdef.tmp"),
+    };
+}
+
+} // namespace
+
+TEST_F(StaleTemporaries, OfADestinationGoWhenItIsWrittenAgain) {
+    leave("a.json");
+    write(".a.json.00000000-0000-0000-0000-000000000000.tmp", "");
+    FileReplacer::replace(path("a.json"), "new");
+    EXPECT_EQ(folder_.names(), QStringList{QStringLiteral("a.json")});
+}
+
+TEST_F(StaleTemporaries, OfADestinationGoThoughTheWritingIsGivenUp) {
+    leave("a.json");
+    { const FileReplacer replacer = FileReplacer::open(path("a.json")); }
+    EXPECT_EQ(folder_.names(), QStringList());
+}
+
+TEST_F(StaleTemporaries, OfOtherDestinationsStayWhenOneIsWritten) {
+    const QStringList others{QFileInfo(leave("b.json")).fileName(), QFileInfo(leave("aXjson")).fileName(),
+                             QFileInfo(leave("a.json.a.json")).fileName(), QFileInfo(leave("A.json")).fileName()};
+    FileReplacer::replace(path("a.json"), "new");
+    EXPECT_EQ(left(others), others);
+}
+
+TEST_F(StaleTemporaries, OfADestinationWithASignOfPatternsInItsNameAreItsOwn) {
+    leave("a+b (1)[2].*$.json");
+    const QString other = QFileInfo(leave("aab (1)[2].*$.json")).fileName();
+    FileReplacer::replace(path("a+b (1)[2].*$.json"), "new");
+    EXPECT_EQ(folder_.names(), (QStringList{other, QStringLiteral("a+b (1)[2].*$.json")}));
+}
+
+TEST_F(StaleTemporaries, BehindALinkGo) {
+    ASSERT_TRUE(QDir(folder_.path()).mkpath(QStringLiteral("elsewhere")));
+    write("elsewhere/file", "old");
+    link("elsewhere/file", "near");
+    const QString beside = write("elsewhere/.file.01234567-89ab-cdef-0123-456789abcdef.tmp", "left");
+    const QString here = leave("near");
+    FileReplacer::replace(path("near"), "new");
+    EXPECT_FALSE(QFileInfo::exists(beside));
+    EXPECT_TRUE(QFileInfo::exists(here)) << "nothing is written here";
+}
+
+TEST_F(StaleTemporaries, StayWhenTheTemporaryFileHasAGivenName) {
+    const QString stale = leave("a.json");
+    { const FileReplacer replacer = FileReplacer::open(path("a.json"), QStringLiteral(".working")); }
+    EXPECT_TRUE(QFileInfo::exists(stale));
+}
+
+TEST_F(StaleTemporaries, OfADestinationThatIsRefusedStay) {
+    ASSERT_TRUE(QDir(folder_.path()).mkpath(QStringLiteral("a.json")));
+    const QString stale = leave("a.json");
+    EXPECT_EQ(replacingFailure(path("a.json")), EISDIR);
+    EXPECT_TRUE(QFileInfo::exists(stale));
+}
+
+TEST_F(StaleTemporaries, OfAWholeFolderGo) {
+    leave("a.json");
+    leave("b");
+    leave(".hidden");
+    leave("卷\n布");
+    write("a.json", "kept");
+    FileReplacer::removeStaleTemporaries(folder_.path());
+    EXPECT_EQ(folder_.names(), QStringList{QStringLiteral("a.json")});
+}
+
+TEST_F(StaleTemporaries, InFoldersBelowStay) {
+    ASSERT_TRUE(QDir(folder_.path()).mkpath(QStringLiteral("below")));
+    const QString stale = write("below/.a.01234567-89ab-cdef-0123-456789abcdef.tmp", "left");
+    FileReplacer::removeStaleTemporaries(folder_.path());
+    EXPECT_TRUE(QFileInfo::exists(stale));
+}
+
+TEST_F(StaleTemporaries, AreKnownByTheWholeFormOfTheirNames) {
+    const QStringList names = namesThatOnlyResembleTemporaryOnes();
+    for (const QString& name : names) {
+        folder_.write(name, "kept");
+    }
+    FileReplacer::removeStaleTemporaries(folder_.path());
+    EXPECT_EQ(left(names), names);
+    FileReplacer::replace(path("a.json"), "new");
+    EXPECT_EQ(left(names), names);
+}
+
+TEST_F(StaleTemporaries, StayWhileSomebodyWritesThem) {
+    FileReplacer first = FileReplacer::open(path("a.json"));
+    first.write("first");
+    FileReplacer::removeStaleTemporaries(folder_.path());
+    FileReplacer::replace(path("a.json"), "second");
+    EXPECT_EQ(TemporaryFolder::read(path("a.json")), "second");
+    ASSERT_TRUE(QFileInfo::exists(first.temporaryPath()));
+    first.commit();
+    EXPECT_EQ(TemporaryFolder::read(path("a.json")), "first");
+    EXPECT_EQ(folder_.names(), QStringList{QStringLiteral("a.json")});
+}
+
+TEST_F(StaleTemporaries, OfAKilledProcessGo) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        FileReplacer replacer = FileReplacer::open(path("a.json"));
+        replacer.write("half");
+        ::kill(::getpid(), SIGKILL);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    ASSERT_EQ(folder_.names().size(), 1);
+    FileReplacer::replace(path("a.json"), "new");
+    EXPECT_EQ(folder_.names(), QStringList{QStringLiteral("a.json")});
+}
+
+TEST_F(StaleTemporaries, AreRegularFilesAlone) {
+    const QByteArray name = QByteArray(".a.json.") + uuid + ".tmp";
+    const auto expectKept = [&] {
+        FileReplacer::removeStaleTemporaries(folder_.path());
+        EXPECT_TRUE(folder_.names().contains(QString::fromUtf8(name)));
+    };
+    write("victim", "kept");
+    link("victim", name.constData());
+    expectKept();
+    EXPECT_EQ(TemporaryFolder::read(path("victim")), "kept");
+    ASSERT_EQ(::unlink(nativePath(name.constData()).constData()), 0);
+    ASSERT_EQ(::mkfifo(nativePath(name.constData()).constData(), 0600), 0);
+    expectKept();
+    ASSERT_EQ(::unlink(nativePath(name.constData()).constData()), 0);
+    ASSERT_EQ(::mkdir(nativePath(name.constData()).constData(), 0700), 0);
+    expectKept();
+}
+
+TEST_F(StaleTemporaries, ThatCannotBeRemovedStayWithoutAWord) {
+    FileReplacer::removeStaleTemporaries(path("missing"));
+    FileReplacer::removeStaleTemporaries(write("file", "kept"));
+    const QString stale = leave("a.json");
+    ASSERT_EQ(::chmod(folder_.path().toUtf8().constData(), 0555), 0);
+    const QByteArray answer = inChildProcess([&]() -> QByteArray {
+        if (!becomeOrdinaryUser()) {
+            return "still root";
+        }
+        FileReplacer::removeStaleTemporaries(folder_.path());
+        return "done";
+    });
+    ASSERT_EQ(::chmod(folder_.path().toUtf8().constData(), 0700), 0);
+    EXPECT_EQ(answer, "done");
+    EXPECT_TRUE(QFileInfo::exists(stale));
+}
+
+TEST_F(StaleTemporaries, OfLongNamesGoWithTheWholeFolder) {
+    const QString name(255, u'n');
+    const QString cut = FileReplacer::open(folder_.path(name)).temporaryPath();
+    folder_.write(QFileInfo(cut).fileName(), "left");
+    FileReplacer::removeStaleTemporaries(folder_.path());
+    EXPECT_EQ(folder_.names(), QStringList());
 }
 
 } // namespace orvex::platform
