@@ -1,5 +1,9 @@
 #include "Text.h"
 
+#include "InChinese.h"
+
+#include <QLocale>
+
 #include <gtest/gtest.h>
 
 namespace orvex::platform {
@@ -70,6 +74,87 @@ TEST(Text, IsOrderedAsItsBytesInUtf8Are) {
             EXPECT_EQ(ascending[first].toUtf8() < ascending[second].toUtf8(), first < second);
         }
     }
+}
+
+TEST(Text, IsMeasuredInCharactersAsAPersonCountsThem) {
+    const QString family = QStringLiteral("\U0001F468\u200D\U0001F469\u200D\U0001F467");
+    const QString accented = QStringLiteral("e\u0301");
+    const QString flag = QStringLiteral("\U0001F1E8\U0001F1F3");
+    for (const QString& character : {QStringLiteral("a"), QStringLiteral("画"), QStringLiteral("\U00020000"), family,
+                                     accented, flag, QStringLiteral("\r\n"), QStringLiteral("\n")}) {
+        EXPECT_TRUE(hasAtMostCharacters(character.repeated(200), 200)) << character.toStdString();
+        EXPECT_FALSE(hasAtMostCharacters(character.repeated(201), 200)) << character.toStdString();
+    }
+    EXPECT_TRUE(hasAtMostCharacters({}, 0));
+    EXPECT_FALSE(hasAtMostCharacters(QStringLiteral("a"), 0));
+    EXPECT_FALSE(hasAtMostCharacters(QString(1'000'000, u'a'), 256));
+}
+
+namespace {
+
+/// The locale in which texts are compared, for as long as this lives.
+class InLocale {
+public:
+    explicit InLocale(const QLocale& locale) { QLocale::setDefault(locale); }
+
+    ~InLocale() { QLocale::setDefault(former_); }
+
+    InLocale(const InLocale&) = delete;
+    InLocale& operator=(const InLocale&) = delete;
+
+private:
+    QLocale former_;
+};
+
+const auto locales = {QLocale::c(), QLocale(QStringLiteral("en_US")), QLocale(QStringLiteral("zh_CN"))};
+
+} // namespace
+
+TEST(NaturalOrder, CountsNumbersByTheirValueInEveryLocale) {
+    const QStringList ascending{QStringLiteral("Canvas 1"),   QStringLiteral("Canvas 2"),  QStringLiteral("Canvas 9"),
+                                QStringLiteral("Canvas 10"),  QStringLiteral("Canvas 11"), QStringLiteral("Canvas 100"),
+                                QStringLiteral("Canvas 100a")};
+    for (const QLocale& locale : locales) {
+        const InLocale here(locale);
+        for (qsizetype first = 0; first < ascending.size(); ++first) {
+            for (qsizetype second = 0; second < ascending.size(); ++second) {
+                const int order = localizedStandardCompare(ascending[first], ascending[second]);
+                EXPECT_EQ(order < 0, first < second) << locale.name().toStdString() << first << ' ' << second;
+                EXPECT_EQ(order == 0, first == second) << locale.name().toStdString() << first << ' ' << second;
+            }
+        }
+    }
+}
+
+TEST(NaturalOrder, PutsLettersBeforeTheirCaseInEveryLocale) {
+    for (const QLocale& locale : locales) {
+        const InLocale here(locale);
+        EXPECT_LT(localizedStandardCompare(QStringLiteral("apple"), QStringLiteral("Banana")), 0);
+        EXPECT_LT(localizedStandardCompare(QStringLiteral("Apple"), QStringLiteral("banana")), 0);
+        EXPECT_NE(localizedStandardCompare(QStringLiteral("a"), QStringLiteral("A")), 0);
+        EXPECT_EQ(localizedStandardCompare({}, {}), 0);
+        EXPECT_LT(localizedStandardCompare({}, QStringLiteral("a")), 0);
+    }
+}
+
+TEST(NaturalOrder, IsThatOfTheLanguageOfTheLocale) {
+    const QString three = QStringLiteral("三"); // sān
+    const QString one = QStringLiteral("一");   // yī
+    {
+        const InLocale chinese(QLocale(QStringLiteral("zh_CN")));
+        EXPECT_LT(localizedStandardCompare(three, one), 0) << "by their sounds";
+    }
+    {
+        const InLocale english(QLocale(QStringLiteral("en_US")));
+        EXPECT_GT(localizedStandardCompare(three, one), 0) << "by their strokes";
+    }
+}
+
+TEST(NaturalOrder, IsThatOfTheCurrentLanguageWithoutALocale) {
+    const InLocale none(QLocale::c());
+    EXPECT_GT(localizedStandardCompare(QStringLiteral("三"), QStringLiteral("一")), 0);
+    const test::InChinese chinese;
+    EXPECT_LT(localizedStandardCompare(QStringLiteral("三"), QStringLiteral("一")), 0);
 }
 
 } // namespace orvex::platform

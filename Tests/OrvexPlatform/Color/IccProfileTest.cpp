@@ -201,4 +201,34 @@ TEST(ColorModelOfSpace, IsAbsentForSpacesThatNoRasterHas) {
     EXPECT_EQ(colorModel(IccProfile::Space::other), std::nullopt);
 }
 
+TEST(IccProfile, IsWellFormedInEveryClass) {
+    for (const ClassCase& each : allClasses()) {
+        EXPECT_TRUE(IccProfile::isWellFormed(each.data)) << each.name;
+    }
+}
+
+TEST(IccProfile, IsNotWellFormedWithABadHeaderOrDirectory) {
+    const QByteArray data = ordinary();
+    const auto size = static_cast<quint32>(data.size());
+    EXPECT_FALSE(IccProfile::isWellFormed({}));
+    EXPECT_FALSE(IccProfile::isWellFormed("no profile at all"));
+    EXPECT_FALSE(IccProfile::isWellFormed(data.first(127)));
+    EXPECT_FALSE(IccProfile::isWellFormed(data.first(128)));
+    EXPECT_FALSE(IccProfile::isWellFormed(data.first(data.size() - 1)));
+    EXPECT_FALSE(IccProfile::isWellFormed(QByteArray(data).replace(36, 4, "acsP")));
+    EXPECT_FALSE(IccProfile::isWellFormed(icc::patched(data, 0, size + 1)));
+    EXPECT_FALSE(IccProfile::isWellFormed(QByteArray(data).replace(12, 4, "mnt\xFF")));
+    EXPECT_FALSE(IccProfile::isWellFormed(icc::patched(data, 128, quint32{0xFFFF})));
+    EXPECT_FALSE(IccProfile::isWellFormed(icc::patched(data, icc::entryOf(data, "desc") + 4, size)));
+}
+
+TEST(IccProfile, IsWellFormedWheneverItCanBeUsed) {
+    const QByteArray data = ordinary();
+    for (qsizetype offset = 0; offset < data.size(); ++offset) {
+        QByteArray altered = data;
+        altered[offset] = static_cast<char>(~altered[offset]);
+        EXPECT_TRUE(IccProfile::isWellFormed(altered) || !IccProfile::fromData(altered)) << offset;
+    }
+}
+
 } // namespace orvex::platform

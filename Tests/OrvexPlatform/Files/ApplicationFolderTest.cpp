@@ -171,4 +171,43 @@ TEST_F(MadeFolder, MayBeMadeByManyAtOnce) {
     }
 }
 
+TEST_F(MadeFolder, OfAStoreIsTheOneGiven) {
+    const QUrl given = QUrl::fromLocalFile(path("a/b 画"));
+    EXPECT_EQ(storeFolder(given), given);
+    EXPECT_TRUE(QFileInfo(path("a/b 画")).isDir());
+    EXPECT_EQ(storeFolder(given, QStringLiteral("presets")), given) << "a given folder is used as it stands";
+    EXPECT_FALSE(QFileInfo::exists(path("a/b 画/presets")));
+}
+
+TEST_F(MadeFolder, OfAStoreLiesInTheApplicationFolderOtherwise) {
+    const auto made = [&](const QString& name) {
+        return QString::fromUtf8(inChildProcess([&] {
+            qputenv("XDG_DATA_HOME", path("data").toUtf8());
+            return storeFolder(std::nullopt, name).toString(QUrl::FullyEncoded).toUtf8();
+        }));
+    };
+    EXPECT_EQ(made({}), QUrl::fromLocalFile(path("data/ORVEX")).toString(QUrl::FullyEncoded));
+    EXPECT_TRUE(QFileInfo(path("data/ORVEX")).isDir());
+    EXPECT_EQ(made(QStringLiteral("presets")),
+              QUrl::fromLocalFile(path("data/ORVEX/presets")).toString(QUrl::FullyEncoded));
+    EXPECT_TRUE(QFileInfo(path("data/ORVEX/presets")).isDir());
+    EXPECT_EQ(modeOf("data/ORVEX/presets") & 07777U, 0700U);
+}
+
+TEST_F(MadeFolder, OfAStoreIsRefusedWhereItCannotBe) {
+    folder_.write(QStringLiteral("file"), "content");
+    const auto failure = [](const QUrl& directory) {
+        try {
+            static_cast<void>(storeFolder(directory));
+        } catch (const FileSystemError& error) {
+            return error.code();
+        }
+        return 0;
+    };
+    EXPECT_EQ(failure(QUrl::fromLocalFile(path("file"))), ENOTDIR);
+    EXPECT_EQ(failure(QUrl::fromLocalFile(path("file/below"))), ENOTDIR);
+    EXPECT_EQ(failure(QUrl(QStringLiteral("https://example.com/a"))), ENOENT);
+    EXPECT_EQ(failure(QUrl()), ENOENT);
+}
+
 } // namespace orvex::platform
