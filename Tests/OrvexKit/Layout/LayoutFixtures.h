@@ -1,8 +1,8 @@
 #pragma once
 
+#include "InChinese.h"
 #include "Layout/RollLayout.h"
 #include "OrvexError.h"
-#include "OrvexLanguage.h"
 
 #include <gtest/gtest.h>
 
@@ -14,17 +14,6 @@
 #include <vector>
 
 namespace orvex::test {
-
-/// Texts are Chinese while this lives, English again afterwards.
-class InChinese {
-public:
-    InChinese() { OrvexLanguage::setConfigured(QStringLiteral("zh-Hans")); }
-
-    InChinese(const InChinese&) = delete;
-    InChinese& operator=(const InChinese&) = delete;
-
-    ~InChinese() { OrvexLanguage::setConfigured(QStringLiteral("en")); }
-};
 
 /// Ids that tests can name: the same number is the same id.
 inline QUuid id(unsigned number) {
