@@ -2,13 +2,16 @@
 // every call.
 
 #include "Exif.h"
-#include "Json/JsonWriter.h"
+#include "Json/JsonRecords.h"
 #include "Layout/RollLayout.h"
 #include "Layout/RollWorkspaceFile.h"
 #include "Output/ArtworkImport.h"
 #include "Output/RollPDFRenderer.h"
 #include "ProtectedSettingsBaseline.h"
 #include "Scenes.h"
+#include "Stores/LocalQueue.h"
+#include "Stores/PrintJournal.h"
+#include "Stores/PrintPresets.h"
 #include "Writers.h"
 
 #include <QByteArray>
@@ -270,6 +273,8 @@ void makePropertyLists(const fs::path& folder) {
                                          "<!DOCTYPE plist [<!ENTITY a \"W9400\"><!ENTITY b \"&a;&a;\">]>\n"));
 }
 
+constexpr double someMoment = 800'000'000.125;
+
 QString fingerprintOf(const char* text) {
     return QString::fromLatin1(QCryptographicHash::hash(QByteArray(text), QCryptographicHash::Sha256).toHex());
 }
@@ -277,7 +282,7 @@ QString fingerprintOf(const char* text) {
 void makeBaselines(const fs::path& folder) {
     using enum ProtectedSettingsFileStatus;
     const auto write = [&](const char* name, const QStringList& roots, const QList<ProtectedSettingsFile>& files) {
-        const ProtectedSettingsSnapshot snapshot{.timestamp = {800'000'000.125}, .rootPaths = roots, .files = files};
+        const ProtectedSettingsSnapshot snapshot{.timestamp = {someMoment}, .rootPaths = roots, .files = files};
         ProtectedSettingsBaseline::validate(snapshot);
         writeBytes(folder / name, platform::writeJson(snapshot.toJson(), platform::JsonForm::pretty));
     };
@@ -295,6 +300,138 @@ void makeBaselines(const fs::path& folder) {
            {.path = QStringLiteral("/x"), .status = unreadable, .diagnostic = QStringLiteral("\uFEFFx")}});
 }
 
+/// JSON of every kind of value, and what differs from JSON by little.
+void makeValues(const fs::path& folder) {
+    int count = 0;
+    for (
+        const QByteArray& text : QByteArrayList{
+            R"({"a": [true, false, null, -0, 0.5, -12.25e-3, 1E+2], "é😀\"\\\/\b\f\n\r\t\u00e9\ud83d\ude00": {}, "a": ""})",
+            "\xEF\xBB\xBF[ \"\xEF\xBB\xBFx\", \"\\ud800\", \"\\ufeff\" ]\r\n",
+            "\"text\"",
+            "1.5",
+            " \tnull\n",
+            "[9007199254740993, "
+            "9223372036854775807, 9223372036854775808, 1e308, 1e309, 5e-324, 1e-999]",
+            "[\"\xC3\"]",
+            "[1.]",
+            "[.5]",
+            "[01]",
+            "[+1]",
+            "[1,]",
+            "[,1]",
+            "{\"a\":1,}",
+            "{1:2}",
+            "[\"\t\"]",
+            "[\"\\x\"]",
+            "['a']",
+            "[1]]",
+            "\v[1]",
+            "[1]\f",
+            QByteArray("[") + QByteArray(R"({"a,[":[1,2]},"],",)").repeated(70) + "0]",
+            QByteArray("[") + QByteArray("1,").repeated(64) + "]",
+            QByteArray("[") + QByteArray("1,").repeated(200) + "2",
+            QByteArray(1024, '[') + QByteArray(1024, ']'),
+            QByteArray(1025, '[') + QByteArray(1025, ']')}) {
+        writeBytes(folder / ("value-" + std::to_string(count++)), text);
+    }
+}
+
+RollSourceAudit auditOf(int number) {
+    return {.artworkID = idOf(number),
+            .sourceURL = QUrl(QStringLiteral("file:///artworks/%1 长卷.tif").arg(number)),
+            .sourceProfileName = QStringLiteral("Display P3"),
+            .sourceProfileSHA256 = number % 2 == 0 ? std::optional(fingerprintOf("p3")) : std::nullopt,
+            .pixelWidth = 2400,
+            .pixelHeight = 1600,
+            .renderedBitsPerComponent = 16,
+            .renderedColorModel = QStringLiteral("RGB")};
+}
+
+DriverOptionSelection quality() {
+    return {.keyword = QStringLiteral("Resolution"), .value = QStringLiteral("1200x600dpi")};
+}
+
+/// A job that holds only what every job must hold.
+StagedJob leastJob(int number) {
+    return {.id = idOf(number),
+            .title = QStringLiteral("Roll %1").arg(number),
+            .printerName = QStringLiteral("W9400"),
+            .createdAt = {someMoment},
+            .settings = {},
+            .sourceProfile = QStringLiteral("sRGB")};
+}
+
+StagedJob wholeJob(int number) {
+    StagedJob job = leastJob(number);
+    job.settings.placement = Placement::fill;
+    job.inspectedICC = QStringLiteral("Canvas Matte");
+    job.colorWorkflow = ColorWorkflow{.mode = ColorManagementMode::appManaged,
+                                      .intent = ColorRenderingIntent::perceptual,
+                                      .driverColorCorrectionDisabledConfirmed = true};
+    job.outputICCSHA256 = fingerprintOf("canvas");
+    job.driverQuality = quality();
+    job.presetName = QStringLiteral("画布/Canvas");
+    job.canvasMediaName = QStringLiteral("Matte");
+    job.rollLayout = layoutOf(2, 44.0);
+    job.rollSourceAudits = {auditOf(1), auditOf(2)};
+    return job;
+}
+
+template <typename Record>
+void writeList(const fs::path& file, const QList<Record>& records) {
+    writeBytes(file, platform::writeManyRecords(records, platform::JsonForm::prettyEscapedSlashes).join());
+}
+
+void makeQueues(const fs::path& folder) {
+    writeList<StagedJob>(folder / "empty.json", {});
+    writeList<StagedJob>(folder / "least.json", {leastJob(1)});
+    writeList<StagedJob>(folder / "whole.json", {wholeJob(1)});
+    writeList<StagedJob>(folder / "mixed.json", {wholeJob(1), leastJob(2), leastJob(3)});
+}
+
+void makePresets(const fs::path& folder) {
+    const auto write = [&](const char* name, const PrintPreset& preset) {
+        writeBytes(folder / name, platform::writeJson(preset.toJson(), platform::JsonForm::pretty));
+    };
+    PrintPreset preset;
+    preset.id = idOf(1);
+    preset.name = QStringLiteral("画布 Canvas");
+    preset.createdAt = {someMoment};
+    preset.updatedAt = {someMoment + 60.0};
+    preset.mediaName = QStringLiteral("Matte");
+    write("least.json", preset);
+    preset.driverQuality = quality();
+    const QString digest = fingerprintOf("canvas");
+    preset.iccAsset = ManagedICCAsset{
+        .filename = digest + QStringLiteral(".icc"), .sha256 = digest, .displayName = QStringLiteral("Canvas")};
+    preset.colorWorkflow.mode = ColorManagementMode::appManaged;
+    write("whole.json", preset);
+    preset.name = QString(PrintPreset::longestName + 1, u'x');
+    write("long-name.json", preset);
+}
+
+PrintObservation observationOf(int number) {
+    PrintObservation observation;
+    observation.id = idOf(number);
+    observation.createdAt = {someMoment};
+    observation.sequenceNumber = number;
+    observation.result =
+        allPrintObservationResults[static_cast<std::size_t>(number) % allPrintObservationResults.size()];
+    observation.note = QStringLiteral("a/b \"左\"");
+    return observation;
+}
+
+void makeJournals(const fs::path& folder) {
+    writeList<PrintObservation>(folder / "empty.json", {});
+    QList<PrintObservation> observations{observationOf(1), observationOf(2), observationOf(3)};
+    observations[1].iccSHA256 = fingerprintOf("canvas");
+    writeList(folder / "three.json", observations);
+    while (observations.size() < 70) { // more than are read at once
+        observations.append(observationOf(static_cast<int>(observations.size()) + 1));
+    }
+    writeList(folder / "seventy.json", observations);
+}
+
 void makeAll(const fs::path& root) {
     makeJpegs(folderFor(root, "jpeg"));
     makePngs(folderFor(root, "png"));
@@ -310,6 +447,10 @@ void makeAll(const fs::path& root) {
     makeQueueTexts(folderFor(root, "cups"));
     makePropertyLists(folderFor(root, "plist"));
     makeBaselines(folderFor(root, "baseline"));
+    makeValues(folderFor(root, "values"));
+    makeQueues(folderFor(root, "queue"));
+    makePresets(folderFor(root, "preset"));
+    makeJournals(folderFor(root, "journal"));
 }
 
 } // namespace
