@@ -4,7 +4,6 @@
 
 #include <QCollator>
 #include <QLocale>
-#include <QRegularExpression>
 #include <QStringDecoder>
 #include <QTextBoundaryFinder>
 
@@ -28,6 +27,10 @@ QStringDecoder strictDecoder() {
     // Without state, a sequence that the end cuts is invalid, too.
     return QStringDecoder(QStringDecoder::Utf8,
                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+}
+
+bool isHexadecimalDigit(QChar digit) {
+    return (digit >= u'0' && digit <= u'9') || (digit >= u'A' && digit <= u'F') || (digit >= u'a' && digit <= u'f');
 }
 
 /// The collator knows no numeric mode in the C locale.
@@ -78,9 +81,20 @@ bool hasAtMostCharacters(const QString& text, qsizetype count) {
 }
 
 std::optional<QUuid> uuid(const QString& text) {
-    static const QRegularExpression canonical(
-        QStringLiteral("\\A[0-9A-Fa-f]{8}-(?:[0-9A-Fa-f]{4}-){3}[0-9A-Fa-f]{12}\\z"));
-    return canonical.match(text).hasMatch() ? std::optional(QUuid::fromString(text)) : std::nullopt;
+    const auto isSound = [&](qsizetype place) {
+        const bool isDash = place == 8 || place == 13 || place == 18 || place == 23;
+        return isDash ? text[place] == u'-' : isHexadecimalDigit(text[place]);
+    };
+    constexpr qsizetype size = 36;
+    if (text.size() != size) {
+        return std::nullopt;
+    }
+    for (qsizetype place = 0; place < size; ++place) {
+        if (!isSound(place)) {
+            return std::nullopt;
+        }
+    }
+    return QUuid::fromString(text);
 }
 
 int localizedStandardCompare(const QString& first, const QString& second) {

@@ -17,7 +17,7 @@ struct CheckOptions {
 };
 
 void runCheck(const CheckOptions& options) {
-    const InputFile file(argumentText(options.pdf));
+    const InputFile file(fileArgument(options.pdf));
     const NativePrintSource source =
         NativePrintFactory::openDocument(file.url(), options.widthInches, options.heightInches);
     printResult(QJsonObject{{QStringLiteral("widthInches"), source.geometry.widthInches()},

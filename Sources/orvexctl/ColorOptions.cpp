@@ -44,14 +44,14 @@ std::optional<QByteArray> ColorOptions::outputProfile() const {
     if (!outputIccPath) {
         return std::nullopt;
     }
-    return readInput(argumentText(*outputIccPath), largestProfileBytes);
+    return readInput(fileArgument(*outputIccPath), largestProfileBytes);
 }
 
 QList<QUrl> ColorOptions::inputs() const {
-    if (!outputIccPath || isStandardStream(argumentText(*outputIccPath))) {
+    if (!outputIccPath || isStandardStream(fileArgument(*outputIccPath))) {
         return {};
     }
-    return {platform::fileUrl(argumentText(*outputIccPath))};
+    return {platform::fileUrl(fileArgument(*outputIccPath))};
 }
 
 } // namespace orvex

@@ -52,6 +52,15 @@ QString argumentText(const std::string& argument) {
     return QFile::decodeName(QByteArray::fromStdString(argument));
 }
 
+QString fileArgument(const std::string& argument) {
+    const QString text = argumentText(argument);
+    if (QFile::encodeName(text).toStdString() != argument) {
+        throw OrvexError::invalid(
+            spt("路径“%1”不是有效的 UTF-8 文本。", "The path \"%1\" is not valid UTF-8 text.").arg(text));
+    }
+    return text;
+}
+
 bool isStandardStream(const QString& path) {
     return path == standardStreamName;
 }

@@ -16,6 +16,9 @@ namespace orvex {
 /// An argument of the command line as text.
 [[nodiscard]] QString argumentText(const std::string& argument);
 
+/// An argument that names a file or folder. Raises OrvexError for one that is no text, which would name another.
+[[nodiscard]] QString fileArgument(const std::string& argument);
+
 /// Whether a file argument means standard input or output.
 [[nodiscard]] bool isStandardStream(const QString& path);
 

@@ -8,7 +8,6 @@
 #include "ProtectedSettingsBaseline.h"
 #include "SettingsPreservationService.h"
 
-#include <QFile>
 #include <QJsonObject>
 
 #include <cerrno>
@@ -25,15 +24,10 @@ struct FingerprintOptions {
 
 /// A path that its text leads to. Another's fingerprint would be that of nothing, or of something else.
 QString pathText(const std::string& argument) {
-    const QString text = argumentText(argument);
-    if (text.isEmpty()) {
+    if (argument.empty()) {
         throw OrvexError::invalid(spt("路径为空。", "A path is empty.")); // it would lead to the current folder
     }
-    if (QFile::encodeName(text).toStdString() != argument) {
-        throw OrvexError::invalid(
-            spt("路径“%1”不是有效的 UTF-8 文本。", "The path \"%1\" is not valid UTF-8 text.").arg(text));
-    }
-    return text;
+    return fileArgument(argument);
 }
 
 QList<QUrl> locations(const std::vector<std::string>& paths) {

@@ -13,7 +13,7 @@ namespace {
 constexpr qint64 largestProfileBytes = 1 << 30; // of one that comes through a pipe
 
 void runIcc(const std::string& file) {
-    const QString path = argumentText(file);
+    const QString path = fileArgument(file);
     const OutputICCProfile profile = isStandardStream(path)
                                          ? OutputICCProfile::inspect(readInput(path, largestProfileBytes), path)
                                          : OutputICCProfile::inspect(platform::fileUrl(path));

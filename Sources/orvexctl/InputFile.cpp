@@ -11,7 +11,7 @@ InputFile::InputFile(const QString& path) : path_(path) {
         return;
     }
     folder_ = std::make_unique<platform::TemporaryFolder>();
-    path_ = folder_->filePath(QStringLiteral("input"));
+    path_ = folder_->filePath(path);
     auto copy = platform::FileReplacer::open(path_);
     readStandardInput([&](QByteArrayView piece) { copy.write(piece); });
     copy.commit();

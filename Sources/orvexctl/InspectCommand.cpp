@@ -41,7 +41,7 @@ void runInspect(const std::vector<std::string>& images, CommandContext& context)
         // What comes through a pipe has no place of its own; that of the temporary file would tell nothing.
         const QString url = isStandardStream(path) ? path : platform::urlText(platform::fileUrl(path));
         try {
-            const InputFile file(path);
+            const InputFile file(fileArgument(image));
             answers.append(describe(url, ImageMetadata::load(file.url(), context.stop)));
         } catch (const Failure& failure) {
             answers.append(QJsonObject{{QStringLiteral("url"), url}, {QStringLiteral("error"), failure.message()}});

@@ -5,7 +5,6 @@
 #include "OrvexQAWorkspace.h"
 #include "StoreAnswers.h"
 #include "Stores/LocalQueue.h"
-#include "Stores/LocalQueueTexts.h"
 
 #include <algorithm>
 
@@ -36,7 +35,7 @@ void runExport(const JobsOptions& options, const CommandContext& context) {
     const LocalQueueStore queue = openQueue();
     const QList<StagedJob> jobs = queue.load();
     const StagedJob& job = jobs[indexOf(id, jobs)];
-    const QString file = argumentText(options.file);
+    const QString file = fileArgument(options.file);
     if (isStandardStream(file)) {
         printFile(platform::localPath(queue.pdfURL(job)), context.stop);
         return;
@@ -49,9 +48,10 @@ void runRemove(const JobsOptions& options) {
     const QUuid id = idArgument(options.id);
     const LocalQueueStore queue = openQueue();
     QList<StagedJob> jobs = queue.load();
-    const StagedJob job = jobs.takeAt(indexOf(id, jobs));
+    const StagedJob job = jobs[indexOf(id, jobs)];
+    jobs.removeIf([&](const StagedJob& each) { return each.id == id; });
     if (!queue.remove(job, jobs)) {
-        throw OrvexError::invalid(LocalQueueTexts::pdfNotDeleted());
+        throw OrvexError::invalid(LocalQueueStore::pdfNotDeleted());
     }
     printRecords(jobs);
 }

@@ -23,8 +23,8 @@ double gapInches(const PackOptions& options, const LayoutFile& file) {
 }
 
 void runPack(const PackOptions& options, const CommandContext& context) {
-    LayoutFile file = LayoutFile::read(argumentText(options.layout));
-    const QString output = argumentText(options.output);
+    LayoutFile file = LayoutFile::read(fileArgument(options.layout));
+    const QString output = fileArgument(options.output);
     refuseOverwriting(output, file.sources());
     if (options.widthInches) {
         file.layout.changeRollWidth(*options.widthInches, options.allowsTurns);

@@ -1,6 +1,6 @@
 #include "CommandText.h"
 #include "Commands.h"
-#include "Files/Paths.h"
+#include "InputFile.h"
 #include "OrvexQAWorkspace.h"
 #include "StoreAnswers.h"
 #include "Stores/PresetStore.h"
@@ -22,7 +22,8 @@ void runDelete(const std::string& argument) {
 }
 
 void runImport(const std::string& file) {
-    printResult(openPresets().importICC(platform::fileUrl(argumentText(file))).toJson());
+    const InputFile profile(fileArgument(file));
+    printResult(openPresets().importICC(profile.url()).toJson());
 }
 
 } // namespace
@@ -37,7 +38,7 @@ void addPresetsCommand(CLI::App& app, CommandContext&) {
         "delete", description("删除预设；其 ICC 文件保留", "delete a preset; its ICC profile stays"));
     deleting->add_option("ID", *argument, description("预设的 ID", "the preset's id"))->required()->type_name("");
     CLI::App* importing =
-        command->add_subcommand("import-icc", description("将 ICC 配置文件复制到应用的保管文件夹",
+        command->add_subcommand("import-icc", description("导入 ICC 配置文件，由应用统一保管",
                                                           "copy an ICC profile into the program's keeping"));
     importing->add_option("FILE", *argument, description("配置文件", "the profile"))->required()->type_name("");
     deleting->callback([argument] { runDelete(*argument); });

@@ -42,13 +42,13 @@ QByteArray pngOfInput(const QString& path, const PreviewOptions& options, const 
         return pngOf(path, options.pixels);
     }
     const LayoutFile file = LayoutFile::read(path);
-    refuseOverwriting(argumentText(options.output), file.sources());
+    refuseOverwriting(fileArgument(options.output), file.sources());
     return pngOfLayout(file, options.pixels, stop);
 }
 
 void runPreview(const PreviewOptions& options, const CommandContext& context) {
-    const QString input = argumentText(options.input);
-    const QString output = argumentText(options.output);
+    const QString input = fileArgument(options.input);
+    const QString output = fileArgument(options.output);
     if (!isStandardStream(input)) {
         refuseOverwriting(output, {platform::fileUrl(input)});
     }

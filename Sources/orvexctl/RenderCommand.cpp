@@ -20,9 +20,9 @@ struct RenderOptions {
 };
 
 void runRender(const RenderOptions& options, const CommandContext& context) {
-    const QString layoutPath = argumentText(options.layout);
+    const QString layoutPath = fileArgument(options.layout);
     const LayoutFile file = LayoutFile::read(layoutPath);
-    const QString output = argumentText(options.output);
+    const QString output = fileArgument(options.output);
     QList<QUrl> inputs = options.color.inputs();
     if (!isStandardStream(layoutPath)) {
         inputs.append(platform::fileUrl(layoutPath));

@@ -163,7 +163,7 @@ QJsonObject describe(const ImportedRoll& roll, double conventionalLengthInches, 
 QList<QUrl> imageUrls(const RollOptions& options) {
     QList<QUrl> urls;
     for (const std::string& image : options.images) {
-        const QString path = argumentText(image);
+        const QString path = fileArgument(image);
         if (isStandardStream(path)) {
             throw CLI::ValidationError("IMAGE", description("作品必须是文件，不能使用标准输入",
                                                             "an artwork must be a file; standard input cannot be one"));
@@ -175,8 +175,8 @@ QList<QUrl> imageUrls(const RollOptions& options) {
 
 /// Neither result may go over an input, nor over the other.
 void refuseOverwritingInputs(const RollOptions& options, const QList<QUrl>& images) {
-    const QString output = argumentText(options.output);
-    const QString layoutOutput = argumentText(options.layoutOutput);
+    const QString output = fileArgument(options.output);
+    const QString layoutOutput = fileArgument(options.layoutOutput);
     const QList<QUrl> inputs = images + options.color.inputs();
     refuseOverwriting(output, inputs);
     if (isStandardStream(layoutOutput)) {
@@ -199,10 +199,10 @@ void runRoll(const RollOptions& options, const CommandContext& context) {
     // Written before the PDF is in place: what keeps the one from being saved keeps the other as it was.
     std::optional<platform::FileReplacer> layoutFile;
     if (!options.layoutOutput.empty()) {
-        layoutFile.emplace(platform::FileReplacer::open(argumentText(options.layoutOutput)))
+        layoutFile.emplace(platform::FileReplacer::open(fileArgument(options.layoutOutput)))
             .write(roll.workspace.encode());
     }
-    const PdfDestination destination(argumentText(options.output));
+    const PdfDestination destination(fileArgument(options.output));
     const QList<RollSourceAudit> audits = renderWithProgress(roll.workspace.layout, rollTitle(options.title),
                                                              destination.url(), options.color, context.stop);
     if (layoutFile) {

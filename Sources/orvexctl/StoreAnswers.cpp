@@ -10,7 +10,7 @@ namespace orvex {
 QUuid idArgument(const std::string& argument) {
     const auto id = platform::uuid(argumentText(argument));
     if (!id) {
-        throw CLI::ValidationError("ID", description("须为 UUID", "is no UUID"));
+        throw CLI::ValidationError("ID", description("须为 UUID", "must be a UUID"));
     }
     return *id;
 }

@@ -12,7 +12,7 @@ namespace {
 
 /// The patch itself may leave a half-updated file behind, so it works on a copy that replaces the file when it is done.
 void runUserUnit(const std::string& pdf, double value, const CommandContext& context) {
-    const QString path = argumentText(pdf);
+    const QString path = fileArgument(pdf);
     if (isStandardStream(path)) {
         throw CLI::ValidationError("PDF", description("UserUnit 写入原文件，不能使用标准输入",
                                                       "the file is changed in place; standard input cannot be"));

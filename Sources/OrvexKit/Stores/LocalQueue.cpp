@@ -2,10 +2,17 @@
 
 #include "Files/ApplicationFolder.h"
 #include "Files/FileRemoval.h"
+#include "Files/FileReplacer.h"
 #include "Files/FileSystemError.h"
 #include "Files/Paths.h"
+#include "Files/RandomAccessFile.h"
 #include "Json/JsonRecords.h"
+#include "OrvexError.h"
+#include "OrvexLanguage.h"
 #include "Stores/StoreFiles.h"
+#include "Text.h"
+
+#include <QFileInfo>
 
 namespace orvex {
 
@@ -14,6 +21,18 @@ namespace {
 std::optional<QList<RollSourceAudit>> findAudits(const platform::JsonReader& reader) {
     const auto audits = reader.find("rollSourceAudits");
     return audits ? std::optional(platform::readRecords<RollSourceAudit>(*audits)) : std::nullopt;
+}
+
+/// Refuses the files of the stores, which may be told by their names from what else somebody keeps in their folder.
+void refuseOwnFile(const QString& path, const QString& directory) {
+    const QString place = platform::resolvingSymlinks(path);
+    const QFileInfo info(place);
+    const bool isInside = place.startsWith(platform::resolvingSymlinks(directory) + u'/');
+    const bool isOwnKind = info.suffix() == u"json" || info.suffix() == u"icc" || platform::uuid(info.baseName());
+    if (isInside && isOwnKind) {
+        throw OrvexError::invalid(spt("不能将 PDF 导出到应用自身的数据文件。请另选一个文件。",
+                                      "A PDF cannot be exported over the program's own data. Choose another file."));
+    }
 }
 
 /// Whether no such file is left.
@@ -90,7 +109,14 @@ QUrl LocalQueueStore::pdfURL(const StagedJob& job) const {
     return QUrl::fromLocalFile(StoreFiles::path(directory_, job.pdfFileName()));
 }
 
+QString LocalQueueStore::pdfNotDeleted() {
+    return spt("作业记录已移除，但无法删除其 PDF。请检查应用数据文件夹的权限。",
+               "The job record was removed, but its PDF could not be deleted. Check permissions for the app data "
+               "folder.");
+}
+
 void LocalQueueStore::exportPDF(const StagedJob& job, const QUrl& to, const std::stop_token& stop) const {
+    refuseOwnFile(platform::localPath(to), platform::localPath(directory_));
     const auto pdf = platform::RandomAccessFile::open(platform::localPath(pdfURL(job)), stop);
     auto copy = platform::FileReplacer::open(platform::localPath(to));
     pdf.forEachPiece([&](QByteArrayView piece) { copy.write(piece); });

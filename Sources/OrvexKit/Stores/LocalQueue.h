@@ -53,8 +53,8 @@ struct StagedJob {
 /// The list of staged jobs in "queue.json", and beside it one PDF for each. The store holds nothing in memory: whoever
 /// calls passes the whole list in and takes the whole list out.
 ///
-/// Failures are FileSystemError and JsonError; each leaves the list's file as it was. A plain value. One thread at a
-/// time.
+/// Failures are FileSystemError, JsonError and OrvexError; each leaves the list's file as it was. A plain value. One
+/// thread at a time.
 class LocalQueueStore {
 public:
     /// In the given folder or else in the application folder; it is made if it is missing.
@@ -72,11 +72,14 @@ public:
     /// is gone. False if the PDF could not be deleted; that is no failure.
     [[nodiscard]] bool remove(const StagedJob& job, const QList<StagedJob>& remaining) const;
 
+    /// What to say when `remove` could not delete the PDF, in the current language.
+    [[nodiscard]] static QString pdfNotDeleted();
+
     /// The place of the job's PDF.
     [[nodiscard]] QUrl pdfURL(const StagedJob& job) const;
 
-    /// Copies the job's PDF to a file, which keeps its old content until the copy is complete. Raises Interrupted once
-    /// a stop is requested.
+    /// Copies the job's PDF to a file, which keeps its old content until the copy is complete. Raises OrvexError for a
+    /// file of the stores, and Interrupted once a stop is requested.
     void exportPDF(const StagedJob& job, const QUrl& to, const std::stop_token& stop = {}) const;
 
 private:

@@ -4,6 +4,7 @@
 #include "Files/ApplicationFolder.h"
 #include "Files/FileRemoval.h"
 #include "Files/FileReplacer.h"
+#include "Files/FileSystemError.h"
 #include "Files/FolderEntries.h"
 #include "Files/Paths.h"
 #include "Json/JsonWriter.h"
@@ -16,12 +17,15 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cerrno>
 
 namespace orvex {
 
 namespace {
 
 using platform::IccProfile;
+
+constexpr qint64 largestPresetBytes = 1 << 22; // a real one has some thousand
 
 const QString presetsName = QStringLiteral("presets");
 
@@ -33,21 +37,24 @@ QString profilePath(const QUrl& directory, const QString& filename) {
     return profilesFolder(directory) + u'/' + filename;
 }
 
+void removeStaleTemporaries(const QUrl& directory) {
+    platform::FileReplacer::removeStaleTemporaries(platform::localPath(directory));
+    platform::FileReplacer::removeStaleTemporaries(profilesFolder(directory));
+}
+
 QString presetFilename(const QUuid& id) {
     return id.toString(QUuid::WithoutBraces) + QStringLiteral(".json");
 }
 
 /// The names of the files with an extension that are not hidden, in the order of their Unicode scalars.
 QStringList filesWithExtension(const QString& folder, const QString& extension) {
-    QStringList names = platform::folderEntries(folder);
-    names.removeIf([&](const QString& name) {
-        return name.startsWith(u'.') || QFileInfo(name).suffix().compare(extension, Qt::CaseInsensitive) != 0;
+    return platform::folderEntries(folder, [&](const QString& name) {
+        return !name.startsWith(u'.') && QFileInfo(name).suffix().toLower() == extension;
     });
-    return names;
 }
 
 OrvexError unusableProfile() {
-    return OrvexError::invalid(spt("无法解析该 ICC 配置文件。", "Cannot parse the ICC profile."));
+    return OrvexError::invalid(spt("无法解析此 ICC 配置文件。", "Cannot parse the ICC profile."));
 }
 
 IccProfile validatedColorSpace(const QByteArray& data) {
@@ -58,14 +65,20 @@ IccProfile validatedColorSpace(const QByteArray& data) {
     return *std::move(profile);
 }
 
-/// A profile file's bytes, or more of them than a profile may have.
 QByteArray profileBytes(const QString& path) {
-    return StoreFiles::readRegularFile(path, IccProfile::largestBytes + 1);
+    try {
+        return StoreFiles::readRegularFile(path, IccProfile::largestBytes);
+    } catch (const platform::FileSystemError& error) {
+        if (error.code() == EFBIG) {
+            throw unusableProfile();
+        }
+        throw;
+    }
 }
 
 PrintPreset readPreset(const PresetStore& store, const QString& filename) {
     const QString path = StoreFiles::path(store.directory(), filename);
-    const QByteArray json = StoreFiles::readRegularFile(path, StoreFiles::largestBytes);
+    const QByteArray json = StoreFiles::readRegularFile(path, largestPresetBytes);
     PrintPreset preset = PrintPreset::fromJson(platform::JsonReader::parse(json));
     refuse(preset.validationError());
     if (preset.iccAsset) {
@@ -73,18 +86,24 @@ PrintPreset readPreset(const PresetStore& store, const QString& filename) {
     }
     // Two files with the same id cannot both have its name.
     if (filename != presetFilename(preset.id)) {
-        throw OrvexError::invalid(
-            spt("预设 ID 与文件名不一致或重复。", "The preset ID does not match its filename or is duplicated."));
+        throw OrvexError::invalid(spt("预设 ID 与文件名不一致，或与其他预设重复。",
+                                      "The preset ID does not match its filename or is duplicated."));
     }
     preset.colorWorkflow.driverColorCorrectionDisabledConfirmed = false;
     return preset;
+}
+
+/// The system's words end without a full stop.
+QString asSentence(const QString& reason) {
+    const bool isSentence = reason.endsWith(u'.') || reason.endsWith(u'。');
+    return isSentence ? reason : reason + spt("。", ".");
 }
 
 OrvexError unreadablePreset(const QString& filename, const QString& reason) {
     return OrvexError::invalid(spt("无法读取预设 %1。原文件已保留，请修复或移走该文件后再继续。原因：%2",
                                    "Cannot read preset %1: %2 The original file was kept. Repair or move it before "
                                    "continuing.")
-                                   .arg(filename, reason));
+                                   .arg(filename, asSentence(reason)));
 }
 
 bool comesBefore(const PrintPreset& first, const PrintPreset& second) {
@@ -132,7 +151,7 @@ PrintPreset PresetStore::save(const PrintPreset& preset) const {
     if (copy.iccAsset) {
         static_cast<void>(resolveICC(*copy.iccAsset));
     }
-    platform::FileReplacer::removeStaleTemporaries(platform::localPath(directory_));
+    removeStaleTemporaries(directory_);
     platform::FileReplacer::replace(StoreFiles::path(directory_, presetFilename(copy.id)),
                                     platform::writeJson(copy.toJson(), platform::JsonForm::pretty));
     return copy;
@@ -151,9 +170,10 @@ ManagedICCAsset PresetStore::importICC(const QUrl& from) const {
     const QString digest = platform::sha256Hex(data);
     const ManagedICCAsset asset{
         .filename = digest + QStringLiteral(".icc"), .sha256 = digest, .displayName = from.fileName()};
+    refuse(asset.validationError()); // before anything is written
     const QString path = profilePath(directory_, asset.filename);
     if (!QFileInfo::exists(path)) {
-        platform::FileReplacer::removeStaleTemporaries(profilesFolder(directory_));
+        removeStaleTemporaries(directory_);
         platform::FileReplacer::replace(path, data);
     }
     static_cast<void>(resolveICC(asset)); // a stored file that is no longer what its name says is not replaced
@@ -169,7 +189,7 @@ QUrl PresetStore::resolveICC(const ManagedICCAsset& asset) const {
                                       "ICC profile verification failed; the file may have been replaced: %1.")
                                       .arg(asset.displayName));
     }
-    // The digest says that this is what was validated in full when it was imported.
+    // The digest says that this is what was imported, and was validated in full then.
     if (!IccProfile::isWellFormed(data)) {
         throw unusableProfile();
     }

@@ -8,6 +8,18 @@
 
 namespace orvex {
 
+namespace {
+
+PrintObservationResult readResult(const platform::JsonReader& reader) {
+    const auto result = printObservationResult(reader.text());
+    if (!result) {
+        reader.fail(spt("未知的观察结果。", "Unknown observation result."));
+    }
+    return *result;
+}
+
+} // namespace
+
 QString rawValue(PrintObservationResult result) {
     switch (result) {
     case PrintObservationResult::normal:
@@ -42,15 +54,10 @@ QString label(PrintObservationResult result) {
 }
 
 PrintObservation PrintObservation::fromJson(const platform::JsonReader& reader) {
-    const auto resultReader = reader.at("result");
-    const auto result = printObservationResult(resultReader.text());
-    if (!result) {
-        resultReader.fail(spt("未知的观察结果。", "Unknown observation result."));
-    }
     return {.id = reader.at("id").uuid(),
             .createdAt = platform::Timestamp::fromJson(reader.at("createdAt")),
             .sequenceNumber = reader.at("sequenceNumber").integer(),
-            .result = *result,
+            .result = readResult(reader.at("result")),
             .note = reader.at("note").text(),
             .artwork = reader.at("artwork").text(),
             .media = reader.at("media").text(),

@@ -55,7 +55,7 @@ QJsonObject DriverOptionSelection::toJson() const {
 
 std::optional<QString> ManagedICCAsset::validationError() const {
     if (!isLowercaseDigest(sha256) || filename != sha256 + QStringLiteral(".icc")) {
-        return spt("ICC 资源引用无效。预设只能引用由应用管理并已校验内容的文件。",
+        return spt("ICC 资源引用无效。预设只能引用由应用管理且内容已通过校验的文件。",
                    "Invalid ICC asset reference. Presets may reference only content-verified files managed by the "
                    "app.");
     }

@@ -1,12 +1,15 @@
 #include "Stores/StoreFiles.h"
 
 #include "Files/DescriptorIO.h"
+#include "Files/FileSystemError.h"
 #include "Files/LinkFreeView.h"
 #include "Files/Paths.h"
 #include "OrvexError.h"
 #include "OrvexLanguage.h"
 
 #include <QFileInfo>
+
+#include <cerrno>
 
 namespace orvex::StoreFiles {
 
@@ -23,7 +26,8 @@ void requireRegularFile(const platform::LinkFreeView& view, const QByteArray& na
 } // namespace
 
 QString path(const QUrl& directory, const QString& name) {
-    return platform::standardizedPath(platform::localPath(directory) + u'/' + name);
+    const QString folder = platform::localPath(directory);
+    return folder.endsWith(u'/') ? folder + name : folder + u'/' + name;
 }
 
 QByteArray readRegularFile(const QString& path, qint64 limitBytes) {
@@ -31,7 +35,11 @@ QByteArray readRegularFile(const QString& path, qint64 limitBytes) {
     const platform::LinkFreeView view(native);
     requireRegularFile(view, native, path);
     const platform::FileDescriptor file = view.openFile(native);
-    return platform::bytesAt(file, platform::sizeBytes(file, path), 0, limitBytes, path);
+    const qint64 size = platform::sizeBytes(file, path);
+    if (size > limitBytes) {
+        throw platform::FileSystemError(EFBIG, path);
+    }
+    return platform::bytesAt(file, size, 0, size, path);
 }
 
 } // namespace orvex::StoreFiles

@@ -12,8 +12,8 @@
 /// What the stores share in reading and writing their files. All failures are FileSystemError, JsonError or OrvexError.
 namespace orvex::StoreFiles {
 
-/// What a JSON file of a store may have at most: some million records.
-inline constexpr qint64 largestBytes = 1 << 30;
+/// What a list in a JSON file may have at most: that is a million jobs, or twenty thousand with large layouts.
+inline constexpr qint64 largestListBytes = 1 << 29;
 
 /// The path of the file of that name in a store's folder.
 [[nodiscard]] QString path(const QUrl& directory, const QString& name);
@@ -21,7 +21,7 @@ inline constexpr qint64 largestBytes = 1 << 30;
 /// The list of records in a JSON file; an empty one if there is no such file.
 template <typename Record>
 [[nodiscard]] QList<Record> readList(const QString& path) {
-    const auto content = platform::readFileIfThere(path, largestBytes);
+    const auto content = platform::readFileIfThere(path, largestListBytes);
     return content ? platform::readManyRecords<Record>(*content) : QList<Record>();
 }
 
@@ -32,8 +32,8 @@ void writeList(const QString& path, const QList<Record>& records) {
                                     platform::writeManyRecords(records, platform::JsonForm::prettyEscapedSlashes));
 }
 
-/// The content of a regular file, or as much of it as `limitBytes`. Anything else is refused; a link is no regular
-/// file.
+/// The content of a regular file; a link is none. Raises OrvexError for anything else, and FileSystemError for a file
+/// larger than `limitBytes`.
 [[nodiscard]] QByteArray readRegularFile(const QString& path, qint64 limitBytes);
 
 } // namespace orvex::StoreFiles

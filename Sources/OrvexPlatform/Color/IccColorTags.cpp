@@ -82,10 +82,25 @@ bool isUsable(const void* read, Content content, const EngineProfile& profile) {
     return content == Content::tableToConnection ? leads(table, space, connection) : leads(table, connection, space);
 }
 
+/// Whether the tag is of a type that the engine reads colours from.
+bool hasColorType(ByteReader& profile, const IccTag& tag) {
+    switch (profile.u32(tag.offset, ByteOrder::big).value_or(0)) {
+    case cmsSigLut8Type:
+    case cmsSigLut16Type:
+    case cmsSigLutAtoBType:
+    case cmsSigLutBtoAType:
+    case cmsSigMultiProcessElementType:
+    case cmsSigCurveType:
+        return true;
+    default:
+        return false;
+    }
+}
+
 } // namespace
 
 bool canReadColorTags(const EngineContext& context, const EngineProfile& profile, const QByteArray& data,
-                      const std::vector<IccTag>& tags) {
+                      const std::vector<IccTag>& tags, quint64 largestReadBytes) {
     ByteReader reader(data);
     return std::all_of(tags.begin(), tags.end(), [&](const IccTag& tag) {
         const Content content = contentOf(tag.signature);
@@ -94,6 +109,9 @@ bool canReadColorTags(const EngineContext& context, const EngineProfile& profile
         }
         if (!isWithinBounds(reader, tag)) {
             return false;
+        }
+        if (tag.size > largestReadBytes) {
+            return hasColorType(reader, tag);
         }
         const auto signature = static_cast<cmsTagSignature>(tag.signature);
         // The engine reads on behind a tag and keeps all that it has read, so each tag has a profile that ends with it.

@@ -131,7 +131,14 @@ std::optional<ColorModel> colorModel(IccProfile::Space space) {
 }
 
 bool IccProfile::isWellFormed(const QByteArray& data) {
-    return hasSoundHeader(data) && iccDirectory(data) && openEngineProfile(makeEngineContext(), data);
+    constexpr quint64 largestReadBytes = 1 << 14; // of a tag
+    if (!hasSoundHeader(data)) {
+        return false;
+    }
+    const auto tags = iccDirectory(data);
+    const EngineContext context = makeEngineContext();
+    const EngineProfile handle = openEngineProfile(context, data);
+    return tags && handle && canReadColorTags(context, handle, data, *tags, largestReadBytes);
 }
 
 std::optional<IccProfile> IccProfile::fromData(const QByteArray& data) {

@@ -17,20 +17,12 @@ namespace {
 
 constexpr mode_t ownerOnly = 0700; // what the XDG Base Directory Specification asks for
 
-/// So that what was just made in the folder outlives a power failure. If that cannot be, it is there all the same.
-void synchronizeIfPossible(const QString& folder) {
-    try {
-        synchronize(openFolder(folder), folder);
-    } catch (const FileSystemError&) {
-    }
-}
-
 /// The errno value, 0 for success.
 int makeOneFolder(const QString& path) {
     if (::mkdir(nativePath(path).constData(), ownerOnly) != 0) {
         return errno;
     }
-    synchronizeIfPossible(QFileInfo(path).path());
+    synchronizeFolderIfPossible(QFileInfo(path).path());
     return 0;
 }
 

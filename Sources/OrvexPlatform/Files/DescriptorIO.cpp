@@ -104,4 +104,12 @@ void synchronize(const FileDescriptor& file, const QString& path) {
     }
 }
 
+void synchronizeFolderIfPossible(const QString& folder) {
+    try {
+        synchronize(openFolder(folder), folder);
+    } catch (const FileSystemError&) {
+        // What was done in the folder is done.
+    }
+}
+
 } // namespace orvex::platform

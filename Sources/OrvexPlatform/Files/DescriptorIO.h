@@ -39,4 +39,8 @@ void writeAt(const FileDescriptor& file, qint64 offset, QByteArrayView bytes, co
 /// Returns once everything written has reached the disk.
 void synchronize(const FileDescriptor& file, const QString& path);
 
+/// So that what was just made or removed in a folder stays so through a power failure. Where that cannot be, it is made
+/// or removed all the same, and nothing is raised.
+void synchronizeFolderIfPossible(const QString& folder);
+
 } // namespace orvex::platform

@@ -4,8 +4,7 @@
 
 namespace orvex::platform {
 
-/// Removes a file or a link, for good: the folder is synchronised to the disk. Raises FileSystemError, for a missing
-/// file, too.
+/// Removes a file or a link, if the system can do that for good. Raises FileSystemError, for a missing file, too.
 void removeFile(const QString& path);
 
 } // namespace orvex::platform

@@ -58,15 +58,18 @@ QString destinationBehindLinks(const QString& destination) {
     return resolved;
 }
 
-/// A hidden name for the temporary file beside `name`, which is cut where the whole would be too long for the system.
-QString temporaryNameBeside(QString name) {
-    const QString uuid = QUuid::createUuid().toString(QUuid::WithoutBraces);
-    QString temporary;
-    do {
-        temporary = QStringLiteral(".%1.%2.tmp").arg(name, uuid);
-        name.chop(name.size() > 1 && name.back().isLowSurrogate() ? 2 : 1);
-    } while (QFile::encodeName(temporary).size() > largestNameBytes);
-    return temporary;
+/// A name, cut where that of a temporary file beside it would be too long for the system.
+QString cutName(QString name) {
+    constexpr qsizetype additionalBytes = 1 + 1 + 36 + 4; // of a dot, a dot, a UUID and ".tmp"
+    while (QFile::encodeName(name).size() > largestNameBytes - additionalBytes) {
+        name.chop(name.back().isLowSurrogate() ? 2 : 1);
+    }
+    return name;
+}
+
+/// A hidden name for the temporary file beside `name`.
+QString temporaryNameBeside(const QString& name) {
+    return QStringLiteral(".%1.%2.tmp").arg(cutName(name), QUuid::createUuid().toString(QUuid::WithoutBraces));
 }
 
 /// The names that `temporaryNameBeside` gives for the names of a pattern.
@@ -94,8 +97,9 @@ void removeIfStale(const QString& path) {
 
 void removeStale(const QString& folder, const QString& namePattern) {
     try {
-        const QStringList stale = folderEntries(folder).filter(temporaryNames(namePattern));
-        for (const QString& name : stale) {
+        const QRegularExpression names = temporaryNames(namePattern);
+        for (const QString& name :
+             folderEntries(folder, [&](const QString& each) { return names.match(each).hasMatch(); })) {
             removeIfStale(folder + u'/' + name);
         }
     } catch (const FileSystemError&) {
@@ -119,7 +123,7 @@ FileReplacer FileReplacer::open(const QString& destination, const QString& tempo
     const std::optional<mode_t> permissions = permissionsToKeep(target);
     const QFileInfo info(target);
     if (temporaryName.isEmpty()) {
-        removeStale(info.path(), QRegularExpression::escape(info.fileName()));
+        removeStale(info.path(), QRegularExpression::escape(cutName(info.fileName())));
     }
     for (;;) {
         // Opened before anything is written: a folder that could not be synchronised must not fail after the renaming.

@@ -3,6 +3,8 @@
 #include "Files/DescriptorIO.h"
 #include "Files/FileSystemError.h"
 
+#include <QFileInfo>
+
 #include <fcntl.h>
 
 #include <algorithm>
@@ -50,7 +52,7 @@ std::optional<QByteArray> readFileIfThere(const QString& path, qint64 limitBytes
     try {
         return readWholeFile(path, limitBytes);
     } catch (const FileSystemError& error) {
-        if (error.isMissing()) {
+        if (error.isMissing() && !QFileInfo(path).isSymLink()) {
             return std::nullopt;
         }
         throw;

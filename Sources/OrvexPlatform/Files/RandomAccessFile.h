@@ -58,7 +58,7 @@ private:
 /// The whole content of a regular file. Raises FileSystemError, also if the file is larger than `limitBytes`.
 [[nodiscard]] QByteArray readWholeFile(const QString& path, qint64 limitBytes);
 
-/// The same; absent if there is no such file.
+/// The same; absent if there is no such file. A link that leads nowhere is a failure: what it leads to may come back.
 [[nodiscard]] std::optional<QByteArray> readFileIfThere(const QString& path, qint64 limitBytes);
 
 } // namespace orvex::platform

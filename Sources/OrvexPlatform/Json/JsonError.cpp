@@ -17,4 +17,10 @@ JsonError::JsonError(const QString& keyPath, const QString& description)
       keyPath_(keyPath),
       description_(description) {}
 
+JsonSyntaxError::JsonSyntaxError(qsizetype offset)
+    : JsonError(
+          {},
+          spt("内容不是有效的 JSON（第 %1 字节处）。", "Not valid JSON (at byte %1).").arg(QString::number(offset))),
+      offset_(offset) {}
+
 } // namespace orvex::platform

@@ -18,6 +18,18 @@ private:
     QString description_;
 };
 
+/// Bytes that are no JSON.
+class JsonSyntaxError : public JsonError {
+public:
+    /// `offset` is that of the first byte that cannot be read; 0 is the first of all.
+    explicit JsonSyntaxError(qsizetype offset);
+
+    [[nodiscard]] qsizetype offset() const { return offset_; }
+
+private:
+    qsizetype offset_;
+};
+
 /// A number that a record must not hold; it carries the number.
 class JsonInvalidNumber : public JsonError {
 public:

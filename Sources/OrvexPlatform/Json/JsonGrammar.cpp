@@ -22,12 +22,14 @@ public:
 
     [[nodiscard]] bool document() {
         space();
-        if (!value(0)) {
+        if (!(isAt('[') ? topArray() : value(0))) {
             return false;
         }
         space();
         return offset_ == text_.size();
     }
+
+    [[nodiscard]] std::vector<JsonPortion> takePortions() { return std::move(portions_); }
 
 private:
     [[nodiscard]] bool isAt(char byte) const { return offset_ < text_.size() && text_[offset_] == byte; }
@@ -67,6 +69,41 @@ private:
             return word("false");
         }
         return isAt('n') ? word("null") : number();
+    }
+
+    /// An array that is the document; its portions are noted.
+    [[nodiscard]] bool topArray() {
+        ++offset_;
+        JsonPortion portion{.begin = offset_};
+        space();
+        if (!isAt(']')) {
+            do {
+                space();
+                if (!value(1)) {
+                    return false;
+                }
+                space();
+                ++portion.count;
+                if (isAt(',') && isLargeEnough(portion)) {
+                    note(portion);
+                }
+            } while (take(','));
+        }
+        note(portion);
+        return take(']');
+    }
+
+    [[nodiscard]] bool isLargeEnough(const JsonPortion& portion) const {
+        constexpr qsizetype elements = 64;
+        constexpr qsizetype bytes = 1 << 20;
+        return portion.count >= elements || offset_ - portion.begin >= bytes;
+    }
+
+    /// Ends a portion at the comma or bracket behind it, and begins the next.
+    void note(JsonPortion& portion) {
+        portion.end = offset_;
+        portions_.push_back(portion);
+        portion = {.begin = offset_ + 1, .firstIndex = portion.firstIndex + portion.count};
     }
 
     /// The rest of an array or object, from its bracket on.
@@ -165,13 +202,21 @@ private:
 
     QByteArrayView text_;
     qsizetype offset_ = 0;
+    std::vector<JsonPortion> portions_;
 };
 
 } // namespace
 
-std::optional<qsizetype> jsonGrammarError(QByteArrayView text) {
+JsonOutline jsonOutline(QByteArrayView text) {
     Walk walk(text);
-    return walk.document() ? std::nullopt : std::optional(walk.offset());
+    if (!walk.document()) {
+        return {.grammarError = walk.offset()};
+    }
+    return {.portions = walk.takePortions()};
+}
+
+std::optional<qsizetype> jsonGrammarError(QByteArrayView text) {
+    return jsonOutline(text).grammarError;
 }
 
 } // namespace orvex::platform

@@ -1,63 +1,78 @@
 #include "Json/JsonPortions.h"
 
+#include "Json/JsonError.h"
+#include "OrvexLanguage.h"
+#include "ParallelLoop.h"
+
+#include <exception>
+
 namespace orvex::platform {
 
 namespace {
 
-constexpr qsizetype elementsOfPortion = 64; // small enough to share the work out evenly, large enough to be worth it
-
-bool isSpace(char byte) {
-    return byte == ' ' || byte == '\t' || byte == '\n' || byte == '\r';
+QString elementPath(qsizetype index) {
+    return QStringLiteral("[%1]").arg(index);
 }
 
-/// The text without what JSON takes for space around it. Qt's trimmed() takes two more characters for space.
-QByteArrayView withoutSpaceAround(QByteArrayView text) {
-    while (!text.isEmpty() && isSpace(text.front())) {
-        text = text.sliced(1);
-    }
-    while (!text.isEmpty() && isSpace(text.back())) {
-        text.chop(1);
-    }
-    return text;
+/// A key path in the array of a portion, such as "[3].name", as that in the whole.
+QString pathInWhole(const JsonPortion& portion, const QString& path) {
+    const qsizetype end = path.indexOf(u']');
+    const qsizetype index = path.mid(1, end - 1).toLongLong();
+    return elementPath(portion.firstIndex + index) + path.mid(end + 1);
 }
 
-/// The cuts at every so many commas that stand neither in a text nor in an array or object within the list.
-std::vector<QByteArrayView> cut(QByteArrayView list) {
-    std::vector<QByteArrayView> portions;
-    qsizetype begin = 0;
-    qsizetype commas = 0;
-    qsizetype depth = 0;
-    bool isInText = false;
-    for (qsizetype offset = 0; offset < list.size(); ++offset) {
-        const char byte = list[offset];
-        if (isInText) {
-            offset += byte == '\\' ? 1 : 0;
-            isInText = byte != '"';
-        } else if (byte == '"') {
-            isInText = true;
-        } else if (byte == '{' || byte == '[') {
-            ++depth;
-        } else if (byte == '}' || byte == ']') {
-            --depth;
-        } else if (byte == ',' && depth == 0 && ++commas % elementsOfPortion == 0) {
-            portions.push_back(list.sliced(begin, offset - begin));
-            begin = offset + 1;
+/// Raises the first error that there is no JSON, or else the first of all, if there is one.
+void raiseFirst(const std::vector<std::exception_ptr>& syntaxErrors, const std::vector<std::exception_ptr>& errors) {
+    for (const auto& list : {syntaxErrors, errors}) {
+        for (const std::exception_ptr& error : list) {
+            if (error) {
+                std::rethrow_exception(error);
+            }
         }
     }
-    portions.push_back(list.sliced(begin));
-    return portions;
 }
 
 } // namespace
 
-std::optional<std::vector<QByteArrayView>> jsonArrayPortions(QByteArrayView text) {
-    const QByteArrayView array = withoutSpaceAround(text);
-    if (array.size() < 2 || array.front() != '[' || array.back() != ']') {
-        return std::nullopt;
+JsonPortions::JsonPortions(QByteArrayView utf8)
+    : text_(withoutByteOrderMark(utf8)),
+      textOffset_(utf8.size() - text_.size()) {
+    JsonOutline outline = jsonOutline(text_);
+    if (outline.grammarError) {
+        throw JsonSyntaxError(textOffset_ + *outline.grammarError);
     }
-    std::vector<QByteArrayView> portions = cut(array.sliced(1, array.size() - 2));
-    const bool endsWithComma = portions.size() > 1 && withoutSpaceAround(portions.back()).isEmpty();
-    return endsWithComma ? std::nullopt : std::optional(std::move(portions));
+    portions_ = std::move(outline.portions);
+    if (portions_.empty()) {
+        // The reader tells what is amiss, of an object without making a tree of it.
+        static_cast<void>(JsonReader::parse(text_.trimmed().startsWith('{') ? QByteArrayView("{}") : utf8).count());
+    }
+}
+
+JsonReader JsonPortions::arrayOf(const JsonPortion& portion) const {
+    const QByteArrayView text = text_.sliced(portion.begin, portion.end - portion.begin);
+    if (text.size() > largestElementBytes) {
+        throw JsonError(elementPath(portion.count - 1), spt("内容过大。", "It is too large."));
+    }
+    return JsonReader::parse('[' + text.toByteArray() + ']');
+}
+
+void JsonPortions::readEach(const std::function<void(std::size_t number, const JsonReader& array)>& read) const {
+    std::vector<std::exception_ptr> syntaxErrors(count());
+    std::vector<std::exception_ptr> errors(count());
+    parallelLoop(count(), [&](std::size_t number) {
+        const JsonPortion& portion = portions_[number];
+        try {
+            read(number, arrayOf(portion));
+        } catch (const JsonSyntaxError& error) {
+            constexpr qsizetype bracket = 1;
+            const qsizetype offset = textOffset_ + portion.begin + error.offset() - bracket;
+            syntaxErrors[number] = std::make_exception_ptr(JsonSyntaxError(offset));
+        } catch (const JsonError& error) {
+            errors[number] =
+                std::make_exception_ptr(JsonError(pathInWhole(portion, error.keyPath()), error.description()));
+        }
+    });
+    raiseFirst(syntaxErrors, errors);
 }
 
 } // namespace orvex::platform

@@ -37,9 +37,15 @@ QByteArray withSpelledMarks(QByteArrayView text) {
     return bytes.contains(byteOrderMark) ? QByteArray(bytes).replace(byteOrderMark, "\\ufeff") : bytes;
 }
 
-JsonError noJson(qsizetype offset) {
-    return {{},
-            spt("内容不是有效的 JSON（第 %1 字节处）。", "Not valid JSON (at byte %1).").arg(QString::number(offset))};
+/// The offset in a text of what stands at `spelledOffset` once its byte order marks are spelled as escapes.
+qsizetype offsetBeforeSpelling(QByteArrayView text, qsizetype spelledOffset) {
+    constexpr qsizetype escapeBytes = 6;
+    qsizetype offset = spelledOffset;
+    for (qsizetype mark = text.indexOf(byteOrderMark); mark >= 0 && mark + escapeBytes <= offset;
+         mark = text.indexOf(byteOrderMark, mark + byteOrderMark.size())) {
+        offset -= escapeBytes - byteOrderMark.size();
+    }
+    return offset;
 }
 
 QJsonValue topValue(const QJsonDocument& document) {
@@ -48,21 +54,35 @@ QJsonValue topValue(const QJsonDocument& document) {
 
 } // namespace
 
+QByteArrayView withoutByteOrderMark(QByteArrayView utf8) {
+    return utf8.startsWith(byteOrderMark) ? utf8.sliced(byteOrderMark.size()) : utf8;
+}
+
 JsonReader JsonReader::parse(QByteArrayView utf8, JsonNumbers numbers) {
-    const QByteArrayView text = utf8.startsWith(byteOrderMark) ? utf8.sliced(byteOrderMark.size()) : utf8;
+    const QByteArrayView text = withoutByteOrderMark(utf8);
+    const qsizetype markBytes = utf8.size() - text.size();
     if (const auto offset = jsonGrammarError(text)) {
-        throw noJson(*offset);
+        throw JsonSyntaxError(markBytes + *offset);
     }
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(withSpelledMarks(text), &error);
     if (error.error != QJsonParseError::NoError) {
-        throw noJson(error.offset); // text that is not UTF-8, or a number beyond the range
+        // Text that is not UTF-8, a number beyond the range, or a value that is neither an object nor an array.
+        throw JsonSyntaxError(markBytes + offsetBeforeSpelling(text, error.offset));
     }
-    return {topValue(document), {}, numbers};
+    return {topValue(document), {}, nullptr, numbers};
+}
+
+QString JsonReader::keyPath() const {
+    if (key_ == nullptr) {
+        return path_;
+    }
+    const QLatin1StringView key(key_);
+    return path_.isEmpty() ? QString(key) : path_ + u'.' + key;
 }
 
 void JsonReader::fail(const QString& description) const {
-    throw JsonError(keyPath_, description);
+    throw JsonError(keyPath(), description);
 }
 
 void JsonReader::failType(const char* chineseType, const char* englishType) const {
@@ -75,15 +95,14 @@ void JsonReader::require(QJsonValue::Type type, const char* chineseType, const c
     }
 }
 
-JsonReader JsonReader::member(const QString& key, const QJsonValue& value) const {
-    return {value, keyPath_.isEmpty() ? key : keyPath_ + u'.' + key, numbers_};
+JsonReader JsonReader::member(const char* key, const QJsonValue& value) const {
+    return {value, keyPath(), key, numbers_};
 }
 
 JsonReader JsonReader::at(const char* key) const {
     require(QJsonValue::Object, "对象", "an object");
-    const QString name = QString::fromUtf8(key);
-    const QJsonValue value = value_.toObject().value(name);
-    JsonReader found = member(name, value);
+    const QJsonValue value = value_.toObject().value(QLatin1StringView(key));
+    JsonReader found = member(key, value);
     if (value.isUndefined()) {
         found.fail(spt("缺少必需的键。", "The required key is missing."));
     }
@@ -92,14 +111,13 @@ JsonReader JsonReader::at(const char* key) const {
 
 std::optional<JsonReader> JsonReader::find(const char* key) const {
     require(QJsonValue::Object, "对象", "an object");
-    const QString name = QString::fromUtf8(key);
-    const QJsonValue value = value_.toObject().value(name);
-    return value.isUndefined() || value.isNull() ? std::nullopt : std::optional(member(name, value));
+    const QJsonValue value = value_.toObject().value(QLatin1StringView(key));
+    return value.isUndefined() || value.isNull() ? std::nullopt : std::optional(member(key, value));
 }
 
 bool JsonReader::contains(const char* key) const {
     require(QJsonValue::Object, "对象", "an object");
-    return value_.toObject().contains(QString::fromUtf8(key));
+    return value_.toObject().contains(QLatin1StringView(key));
 }
 
 QString JsonReader::text() const {
@@ -154,7 +172,7 @@ qsizetype JsonReader::count() const {
 }
 
 JsonReader JsonReader::element(qsizetype index) const {
-    return {value_.toArray().at(index), keyPath_ + QStringLiteral("[%1]").arg(index), numbers_};
+    return {value_.toArray().at(index), keyPath() + QStringLiteral("[%1]").arg(index), nullptr, numbers_};
 }
 
 QStringList JsonReader::texts() const {
@@ -169,9 +187,11 @@ QStringList JsonReader::texts() const {
 QList<std::pair<QString, JsonReader>> JsonReader::members() const {
     require(QJsonValue::Object, "对象", "an object");
     const QJsonObject object = value_.toObject();
+    const QString own = keyPath();
     QList<std::pair<QString, JsonReader>> members;
     for (auto each = object.begin(); each != object.end(); ++each) {
-        members.append({each.key(), member(each.key(), each.value())});
+        const QString path = own.isEmpty() ? each.key() : own + u'.' + each.key();
+        members.append({each.key(), JsonReader(each.value(), path, nullptr, numbers_)});
     }
     return members;
 }

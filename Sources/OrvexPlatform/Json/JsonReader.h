@@ -13,6 +13,9 @@
 
 namespace orvex::platform {
 
+/// The bytes behind a byte order mark, if there is one.
+[[nodiscard]] QByteArrayView withoutByteOrderMark(QByteArrayView utf8);
+
 /// One JSON value that knows its key path, read with types demanded. Every reader raises JsonError, with the key path,
 /// for a value of another type.
 ///
@@ -21,10 +24,10 @@ namespace orvex::platform {
 /// are the same text; numbers beyond the range of a double and nesting deeper than 1024 levels are refused.
 class JsonReader {
 public:
-    /// The top value of a document. Raises JsonError for bytes that are no JSON.
+    /// The top value of a document, an object or an array. Raises JsonSyntaxError for bytes that are no JSON.
     [[nodiscard]] static JsonReader parse(QByteArrayView utf8, JsonNumbers numbers = JsonNumbers::finite);
 
-    /// A required member of an object.
+    /// A required member of an object. Keys are ASCII, and stay for as long as the reader.
     [[nodiscard]] JsonReader at(const char* key) const;
 
     /// A member of an object that may be missing or null.
@@ -57,23 +60,26 @@ public:
 
     [[nodiscard]] const QJsonValue& value() const { return value_; }
 
-    [[nodiscard]] const QString& keyPath() const { return keyPath_; }
+    [[nodiscard]] QString keyPath() const;
 
     /// Raises JsonError with this value's key path.
     [[noreturn]] void fail(const QString& description) const;
 
 private:
-    JsonReader(QJsonValue value, QString keyPath, JsonNumbers numbers)
+    JsonReader(QJsonValue value, QString path, const char* key, JsonNumbers numbers)
         : value_(std::move(value)),
-          keyPath_(std::move(keyPath)),
+          path_(std::move(path)),
+          key_(key),
           numbers_(numbers) {}
 
-    [[nodiscard]] JsonReader member(const QString& key, const QJsonValue& value) const;
+    [[nodiscard]] JsonReader member(const char* key, const QJsonValue& value) const;
     [[noreturn]] void failType(const char* chineseType, const char* englishType) const;
     void require(QJsonValue::Type type, const char* chineseType, const char* englishType) const;
 
+    // Very many members are read whose key path nobody asks for: it is put together on demand.
     QJsonValue value_;
-    QString keyPath_;
+    QString path_;    ///< to this value, or to the object of which it is a member
+    const char* key_; ///< of this value in that object; null if the path leads to this value
     JsonNumbers numbers_;
 };
 

@@ -45,22 +45,12 @@ template <typename Record>
         records.size(), [&](qsizetype index) { return records[index].toJson(); }, form);
 }
 
-/// The records of an array of very many. Portions of it are read apart, on all processors, so that there is never a
-/// tree of the whole. Raises JsonError for the first thing that is amiss.
+/// The records of a document that is an array of very many. Raises JsonError for the first thing that is amiss.
 template <typename Record>
 [[nodiscard]] QList<Record> readManyRecords(QByteArrayView utf8) {
-    const auto portions = jsonArrayPortions(utf8);
-    if (!portions) {
-        return readRecords<Record>(JsonReader::parse(utf8));
-    }
-    std::vector<QList<Record>> lists(portions->size());
-    try {
-        parallelLoop(lists.size(), [&](std::size_t number) {
-            lists[number] = readRecords<Record>(JsonReader::parse('[' + (*portions)[number].toByteArray() + ']'));
-        });
-    } catch (const JsonError&) {
-        return readRecords<Record>(JsonReader::parse(utf8)); // tells what is amiss first, and where in the whole
-    }
+    const JsonPortions portions(utf8);
+    std::vector<QList<Record>> lists(portions.count());
+    portions.readEach([&](std::size_t number, const JsonReader& array) { lists[number] = readRecords<Record>(array); });
     QList<Record> records;
     for (QList<Record>& list : lists) {
         records.append(std::move(list));

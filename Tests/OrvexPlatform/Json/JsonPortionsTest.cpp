@@ -1,5 +1,7 @@
 #include "Json/JsonPortions.h"
 
+#include "Json/JsonError.h"
+
 #include <QByteArrayList>
 
 #include <gtest/gtest.h>
@@ -17,14 +19,16 @@ QByteArray numbers(int first, int end) {
     return texts.join(',');
 }
 
-std::optional<QByteArrayList> portionsOf(const QByteArray& text) {
-    const auto portions = jsonArrayPortions(text);
-    if (!portions) {
-        return std::nullopt;
+/// The texts of the portions, or the message of the refusal.
+QByteArrayList portionsOf(const QByteArray& text) {
+    try {
+        static_cast<void>(JsonPortions(text));
+    } catch (const JsonError& error) {
+        return {error.message().toUtf8()};
     }
     QByteArrayList list;
-    for (const QByteArrayView portion : *portions) {
-        list.append(portion.toByteArray());
+    for (const JsonPortion& portion : jsonOutline(text).portions) {
+        list.append(text.sliced(portion.begin, portion.end - portion.begin));
     }
     return list;
 }
@@ -62,23 +66,72 @@ TEST(JsonPortions, AreNotCutWithinTexts) {
               (QByteArrayList{tricky + "," + numbers(0, 61), "61"}));
 }
 
+TEST(JsonPortions, AreCutAfterAMebibyte) {
+    const QByteArray large = '"' + QByteArray(1 << 19, 'x') + '"';
+    EXPECT_EQ(portionsOf("[" + large + "," + large + ",1,2]"), (QByteArrayList{large + "," + large, "1,2"}));
+}
+
+TEST(JsonPortions, KnowTheirPlaceInTheArray) {
+    const auto portions = jsonOutline(" [" + numbers(0, 130) + " ]").portions;
+    ASSERT_EQ(portions.size(), 3U);
+    EXPECT_EQ(portions[0], (JsonPortion{.begin = 2, .end = 2 + 10 * 2 + 54 * 3 - 1, .firstIndex = 0, .count = 64}));
+    EXPECT_EQ(portions[1].firstIndex, 64);
+    EXPECT_EQ(portions[2].firstIndex, 128);
+    EXPECT_EQ(portions[2].count, 2);
+}
+
 TEST(JsonPortions, AreThoseOfAnArrayAlone) {
-    for (const char* other : {"", " ", "[", "]", "{}", "{\"a\":[]}", "[1", "1]", "7", "\"[]\"", "\xEF\xBB\xBF[]"}) {
-        EXPECT_EQ(portionsOf(other), std::nullopt) << other;
+    for (const char* other : {"{}", " {\"a\":[]}", "\xEF\xBB\xBF{\"a\":[1]}"}) {
+        EXPECT_EQ(portionsOf(other), QByteArrayList{"Expected an array."}) << other;
     }
+    EXPECT_EQ(portionsOf("7"), QByteArrayList{"Not valid JSON (at byte 0)."});
+    EXPECT_EQ(portionsOf("\xEF\xBB\xBF\"[]\""), QByteArrayList{"Not valid JSON (at byte 3)."});
 }
 
-TEST(JsonPortions, HideNoCommaAtTheEnd) {
-    EXPECT_EQ(portionsOf("[" + numbers(0, 64) + ",]"), std::nullopt);
-    EXPECT_EQ(portionsOf("[" + numbers(0, 128) + " , \n]"), std::nullopt);
-    EXPECT_EQ(portionsOf("[" + numbers(0, 65) + ",]"), (QByteArrayList{numbers(0, 64), "64,"}))
-        << "whoever reads the portion sees the comma";
+TEST(JsonPortions, AreThoseOfJsonAlone) {
+    EXPECT_EQ(portionsOf(""), QByteArrayList{"Not valid JSON (at byte 0)."});
+    EXPECT_EQ(portionsOf("[1"), QByteArrayList{"Not valid JSON (at byte 2)."});
+    EXPECT_EQ(portionsOf("[1,]"), QByteArrayList{"Not valid JSON (at byte 3)."});
+    EXPECT_EQ(portionsOf("\xEF\xBB\xBF[1,]"), QByteArrayList{"Not valid JSON (at byte 6)."});
+    EXPECT_EQ(portionsOf("\v[]"), QByteArrayList{"Not valid JSON (at byte 0)."});
+    EXPECT_EQ(portionsOf("[]\f"), QByteArrayList{"Not valid JSON (at byte 2)."});
+    const QByteArray many = "[" + numbers(0, 64) + ",";
+    EXPECT_EQ(portionsOf(many + "]"),
+              QByteArrayList{"Not valid JSON (at byte " + QByteArray::number(many.size()) + ")."});
 }
 
-TEST(JsonPortions, HideNothingAroundTheArrayThatIsNoSpaceOfJson) {
-    for (const char* other : {"\v[]", "[]\f", "\f[1]\v", "[1]\v"}) {
-        EXPECT_EQ(portionsOf(other), std::nullopt) << other;
+std::string readingFailure(const QByteArray& text) {
+    try {
+        JsonPortions(text).readEach([](std::size_t, const JsonReader& array) {
+            for (qsizetype index = 0; index < array.count(); ++index) {
+                static_cast<void>(array.element(index).integer());
+            }
+        });
+    } catch (const JsonError& error) {
+        return error.message().toStdString();
     }
+    return "(none)";
+}
+
+TEST(JsonPortions, TellOfTheFirstThingThatIsNoJsonAndElseOfTheFirstOfAll) {
+    const auto withTexts = [](const QList<int>& places, const QByteArray& text) {
+        QByteArrayList elements = numbers(0, 300).split(',');
+        for (const int place : places) {
+            elements[place] = text;
+        }
+        return "[" + elements.join(',') + "]";
+    };
+    EXPECT_EQ(readingFailure(withTexts({}, {})), "(none)");
+    EXPECT_EQ(readingFailure(withTexts({299, 70, 200}, "\"x\"")), "[70]: Expected an integer.");
+    const QByteArray beyond = withTexts({70}, "\"x\"").replace(",299]", ",1e999]");
+    EXPECT_EQ(readingFailure(beyond), "Not valid JSON (at byte " + std::to_string(beyond.size() - 1) + ").");
+    const QByteArray badText = "\xEF\xBB\xBF" + withTexts({200, 250}, "\"\xEF\xBB\xBF\xC3\x28\"");
+    EXPECT_EQ(readingFailure(badText), "Not valid JSON (at byte " + std::to_string(badText.indexOf('\xC3')) + ").");
+}
+
+TEST(JsonPortions, AreRefusedIfOneElementIsTooLarge) {
+    const QByteArray large = '"' + QByteArray(JsonPortions::largestElementBytes, 'x') + '"';
+    EXPECT_EQ(readingFailure("[1,2," + large + ",3]"), "[2]: It is too large.");
 }
 
 } // namespace orvex::platform
