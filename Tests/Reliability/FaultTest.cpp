@@ -92,7 +92,8 @@ protected:
     bool mustBeTold(const LoggedCall& call, bool isCommitted) const {
         static const QStringList always{QStringLiteral("create"), QStringLiteral("write"),  QStringLiteral("pwrite"),
                                         QStringLiteral("fchmod"), QStringLiteral("rename"), QStringLiteral("mkdir")};
-        static const QStringList ofTheFile{QStringLiteral("fsync"), QStringLiteral("flock")};
+        static const QStringList ofTheFile{QStringLiteral("fsync"), QStringLiteral("flock"), QStringLiteral("fstat"),
+                                           QStringLiteral("lstat")};
         const bool isOwn = test::isTemporary(call.path) && call.path != test::temporaryFor(destination_);
         const bool isFolder = call.path == QFileInfo(destination_).path();
         return call.hasFault() && (always.contains(call.name) || (isOwn && ofTheFile.contains(call.name)) ||
@@ -240,6 +241,10 @@ TEST_P(Faults, ofACallAndAllThatFollowAreToldAndLeaveWholeFiles) {
     for (const int error : {EIO, ENOSPC, EDQUOT}) {
         EXPECT_EQ(expectSoundWith("onwards", error), soundCalls_.size());
     }
+}
+
+TEST_P(Faults, ofACallAndAllOfItsNameAreToldAndLeaveWholeFiles) {
+    EXPECT_EQ(expectSoundWith("alike", EIO), soundCalls_.size());
 }
 
 TEST_P(Faults, aShortWriteIsCompleted) {

@@ -155,8 +155,16 @@ bool FileReplacer::lock() const {
 
     struct stat named {};
 
-    return ::fstat(descriptor_.get(), &opened) == 0 && ::lstat(nativePath(temporaryPath_).constData(), &named) == 0 &&
-           opened.st_ino == named.st_ino;
+    if (::fstat(descriptor_.get(), &opened) != 0) {
+        throw FileSystemError::last(destination_);
+    }
+    if (::lstat(nativePath(temporaryPath_).constData(), &named) != 0) {
+        if (errno == ENOENT) {
+            return false;
+        }
+        throw FileSystemError::last(destination_);
+    }
+    return opened.st_ino == named.st_ino;
 }
 
 void FileReplacer::removeStaleTemporaries(const QString& folder) {
