@@ -21,12 +21,12 @@ using Clock = std::chrono::steady_clock;
 std::chrono::milliseconds duration() {
     bool isNumber = false;
     const int seconds = qEnvironmentVariableIntValue("ORVEX_RACE_SECONDS", &isNumber);
-    return isNumber ? std::chrono::seconds(seconds) : std::chrono::milliseconds(1500);
+    return isNumber ? std::chrono::seconds(seconds) : std::chrono::milliseconds(1000);
 }
 
 class Races : public ::testing::TestWithParam<std::tuple<SavedKind, int>> {
 protected:
-    static constexpr int numbersOfEach = 1'000'000;
+    static constexpr int numbersOfEach = 100'000;
 
     std::unique_ptr<ForkedWork> startSaver(int index) const {
         return std::make_unique<ForkedWork>([this, index](const ForkedWork::Report& report) {
