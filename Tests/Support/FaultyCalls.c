@@ -110,7 +110,8 @@ static void put(const struct Call *call, long result, const char *fault) {
     char line[2 * PATH_MAX + 128];
     const int size = snprintf(line, sizeof line, "%s %ld %s %s%s%s\n", call->name, result, fault, call->path,
                               call->newPath[0] == '\0' ? "" : " ", call->newPath);
-    const long file = realSyscall(SYS_openat, AT_FDCWD, (long)log, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600, 0, 0);
+    const long file =
+        realSyscall(SYS_openat, AT_FDCWD, (long)log, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600, 0, 0);
     realSyscall(SYS_write, file, (long)line, size, 0, 0, 0);
     realSyscall(SYS_close, file, 0, 0, 0, 0, 0);
 }
@@ -189,7 +190,10 @@ static void end(struct Call *call, long result) {
     const int error = errno;
     if (call->concerns) {
         put(call, result,
-            call->fault == failing ? "failed" : call->fault == halving ? "halved" : call->fault == killedAfter ? "killed-after" : "-");
+            call->fault == failing       ? "failed"
+            : call->fault == halving     ? "halved"
+            : call->fault == killedAfter ? "killed-after"
+                                         : "-");
         if (call->fault == killedAfter) {
             killThis();
         }
