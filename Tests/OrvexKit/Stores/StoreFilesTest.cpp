@@ -111,7 +111,7 @@ TEST_F(StoreFilesTest, FailForAListThatIsNoFile) {
 
 TEST_F(StoreFilesTest, FailForAListThatIsLargerThanAnyMayBe) {
     const QString file = write("list.json", "[]");
-    ASSERT_TRUE(QFile::resize(file, StoreFiles::largestBytes + 1)); // takes no room on the disk
+    ASSERT_TRUE(QFile::resize(file, StoreFiles::largestListBytes + 1)); // takes no room on the disk
     EXPECT_EQ(failureOf([&] { static_cast<void>(StoreFiles::readList<Record>(file)); }),
               file.toStdString() + ": File too large");
 }
