@@ -222,6 +222,13 @@ TEST(IccProfile, IsNotWellFormedWithABadHeaderOrDirectory) {
     EXPECT_FALSE(IccProfile::isWellFormed(icc::patched(data, icc::entryOf(data, "desc") + 4, size)));
 }
 
+TEST(IccProfile, IsNotWellFormedWithATagThatIsThereTwice) {
+    const QByteArray data = ordinary();
+    const QByteArray twice = QByteArray(data).replace(icc::entryOf(data, "wtpt"), 4, "desc");
+    EXPECT_FALSE(IccProfile::isWellFormed(twice)) << "the engine opens no such profile";
+    EXPECT_FALSE(IccProfile::fromData(twice));
+}
+
 TEST(IccProfile, IsWellFormedWheneverItCanBeUsed) {
     const QByteArray data = ordinary();
     for (qsizetype offset = 0; offset < data.size(); ++offset) {
