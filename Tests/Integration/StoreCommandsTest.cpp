@@ -115,6 +115,41 @@ TEST_F(JobsCommand, KeepsTheDestinationIfThePdfIsGone) {
     EXPECT_EQ(test::TemporaryFolder::read(copy), "old");
 }
 
+TEST_F(JobsCommand, ExportsNoPdfOverTheProgramsOwnData) {
+    const QByteArray before = list();
+    const QString id = firstID.toString(QUuid::WithoutBraces);
+    ASSERT_TRUE(QFile::link(folder_.path(q("queue.json")), folder_.path(q("link.pdf"))));
+    ASSERT_TRUE(QDir().mkpath(folder_.path(q("presets/profiles"))));
+    for (const QString& name : {q("queue.json"), secondName_, firstName_, q("link.pdf"), q("new.json"),
+                                q("presets/profiles/a.icc"), q("33333333-CCCC-4333-8333-333333333333.pdf")}) {
+        expectRefused(run({q("jobs"), q("export"), id, folder_.path(name)}),
+                      q("A PDF cannot be exported over the program's own data. Choose another file."));
+    }
+    EXPECT_EQ(run({q("jobs"), q("export"), id, folder_.path(q("queue.json"))}, q("zh-Hans")).errors,
+              q("不能将 PDF 导出到应用自身的数据文件。请另选一个文件。\n"));
+    EXPECT_EQ(list(), before);
+    EXPECT_EQ(test::TemporaryFolder::read(folder_.path(secondName_)), "second PDF");
+}
+
+TEST_F(JobsCommand, ExportsToNoFileThatItsNameDoesNotLeadTo) {
+    QProcess process;
+    process.start(q("/bin/sh"), {q("-c"),
+                                 q("exec \"$0\" --language en --orvex-qa-workspace \"$1\" jobs export \"$2\" "
+                                   "\"$1/$(printf 'a\\377.pdf')\""),
+                                 q(ORVEXCTL), folder_.path(), firstID.toString(QUuid::WithoutBraces)});
+    ASSERT_TRUE(process.waitForFinished());
+    EXPECT_EQ(process.exitCode(), 1);
+    EXPECT_EQ(QString::fromUtf8(process.readAllStandardError()),
+              q("The path \"") + folder_.path() + q("/a\uFFFD.pdf\" is not valid UTF-8 text.\n"));
+    EXPECT_EQ(folder_.names(), (QStringList{firstName_, secondName_, q("queue.json")}));
+}
+
+TEST_F(JobsCommand, RemovesEveryRecordOfAJob) {
+    LocalQueueStore(workspace()).save({job(firstID), job(secondID), job(firstID)});
+    EXPECT_EQ(run({q("jobs"), q("remove"), firstID.toString(QUuid::WithoutBraces)}).status, 0);
+    EXPECT_EQ(LocalQueueStore(workspace()).load(), QList{job(secondID)});
+}
+
 TEST_F(JobsCommand, RemovesAJobAndItsPdf) {
     const CommandResult result = run({q("jobs"), q("remove"), firstID.toString(QUuid::WithoutBraces)});
     EXPECT_EQ(result.status, 0);
@@ -203,6 +238,16 @@ TEST_F(PresetsCommand, ImportsAProfile) {
     EXPECT_EQ(test::TemporaryFolder::read(folder_.path(q("presets/profiles/") + asset.filename)), profile);
 }
 
+TEST_F(PresetsCommand, ImportsAProfileFromStandardInput) {
+    const QByteArray profile = test::icc::saved(test::icc::rgb(2.2, cmsSigOutputClass));
+    const CommandResult result =
+        runCommand({q("--orvex-qa-workspace"), folder_.path(), q("presets"), q("import-icc"), q("-")}, profile);
+    EXPECT_EQ(result.status, 0) << result.errors.toStdString();
+    const ManagedICCAsset asset = ManagedICCAsset::fromJson(platform::JsonReader::parse(result.output));
+    EXPECT_EQ(asset.displayName, q("-"));
+    EXPECT_EQ(store().listICCAssets().size(), 1);
+}
+
 TEST_F(PresetsCommand, RefusesWhatIsNoProfile) {
     const QString file = folder_.write(q("a.icc"), QByteArray(200, 'x'));
     expectRefused(run({q("presets"), q("import-icc"), file}), q("Cannot parse the ICC profile."));
@@ -239,7 +284,7 @@ TEST_F(StoreCommands, ListTheJournal) {
 
 TEST_F(StoreCommands, RefuseADamagedJournalAndKeepIt) {
     folder_.write(q("print-observations.json"), "[{}]");
-    expectRefused(run({q("journal")}), q("[0].result: The required key is missing."));
+    expectRefused(run({q("journal")}), q("[0].id: The required key is missing."));
     EXPECT_EQ(test::TemporaryFolder::read(folder_.path(q("print-observations.json"))), "[{}]");
 }
 

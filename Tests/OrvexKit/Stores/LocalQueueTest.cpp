@@ -214,6 +214,14 @@ TEST_F(LocalQueueTest, MakesItsFolder) {
     EXPECT_TRUE(QFileInfo(folder_.path(QStringLiteral("a/b 画"))).isDir());
 }
 
+TEST_F(LocalQueueTest, IsNotTakenForEmptyWhereALinkLeadsNowhere) {
+    ASSERT_TRUE(QFile::link(folder_.path(QStringLiteral("unmounted")), file()));
+    const std::string failure = file().toStdString() + ": No such file or directory";
+    EXPECT_EQ(failureOf([&] { static_cast<void>(store().load()); }), failure);
+    EXPECT_EQ(failureOf([&] { store().save({}); }), failure);
+    EXPECT_EQ(folder_.names(), QStringList{QStringLiteral("queue.json")});
+}
+
 TEST_F(LocalQueueTest, LivesInTheApplicationFolderByDefault) {
     const QByteArray place = test::inChildProcess([&] {
         qputenv("XDG_DATA_HOME", folder_.path().toUtf8());

@@ -46,8 +46,9 @@ PrintPreset numbered(unsigned number, const QString& name, double updatedAt) {
     return preset;
 }
 
+/// The message about a preset; the system's reasons have no full stop of their own.
 std::string unreadable(const QString& filename, const std::string& reason) {
-    return "Cannot read preset " + filename.toStdString() + ": " + reason +
+    return "Cannot read preset " + filename.toStdString() + ": " + reason + (reason.ends_with('.') ? "" : ".") +
            " The original file was kept. Repair or move it before continuing.";
 }
 
@@ -378,12 +379,23 @@ TEST_F(PresetLoading, KeepsPlaceholdersInNamesAsTheyAre) {
 TEST_F(PresetLoading, FailsInChinese) {
     const test::InChinese chinese;
     write(QStringLiteral("a.json"), test::text(test::preset().toJson()));
-    EXPECT_EQ(loadingFailure(), "无法读取预设 a.json：预设 ID 与文件名不一致或重复。 "
-                                "原文件已保留。请修复或移走该文件后再继续。");
+    EXPECT_EQ(loadingFailure(), "无法读取预设 a.json。原文件已保留，请修复或移走该文件后再继续。"
+                                "原因：预设 ID 与文件名不一致，或与其他预设重复。");
     ASSERT_TRUE(QFile::remove(path(QStringLiteral("a.json"))));
     ASSERT_TRUE(QDir(path({})).mkdir(QStringLiteral("a.json")));
-    EXPECT_EQ(loadingFailure(), "无法读取预设 a.json：文件不存在、不是普通文件，或是链接：a.json。 "
-                                "原文件已保留。请修复或移走该文件后再继续。");
+    EXPECT_EQ(loadingFailure(), "无法读取预设 a.json。原文件已保留，请修复或移走该文件后再继续。"
+                                "原因：文件不存在、不是普通文件，或是链接：a.json。");
+}
+
+TEST_F(PresetLoading, TakesAnExtensionForItselfInCapitalsOnly) {
+    write(QStringLiteral("x.j\u017Fon"), "kept"); // a long s, which is no s but in the folding of letters
+    EXPECT_EQ(store_.load(), QList<PrintPreset>());
+}
+
+TEST_F(PresetLoading, ReadsNoPresetThatIsFarTooLarge) {
+    write(QStringLiteral("a.json"), QByteArray((1 << 22) + 1, ' '));
+    EXPECT_EQ(loadingFailure(),
+              unreadable(QStringLiteral("a.json"), path(QStringLiteral("a.json")).toStdString() + ": File too large"));
 }
 
 // Saving
@@ -685,7 +697,7 @@ TEST_F(ProfileResolution, FailsInChinese) {
     writeProfile(asset.filename, "other");
     const test::InChinese chinese;
     EXPECT_EQ(resolvingFailure(asset), "ICC 配置文件校验失败，文件可能已被替换：Canvas.icc。");
-    EXPECT_EQ(importFailure(folder_.write(QStringLiteral("a.icc"), "text")), "无法解析该 ICC 配置文件。");
+    EXPECT_EQ(importFailure(folder_.write(QStringLiteral("a.icc"), "text")), "无法解析此 ICC 配置文件。");
     EXPECT_EQ(importFailure(folder_.path()),
               "文件不存在、不是普通文件，或是链接：" + QFileInfo(folder_.path()).fileName().toStdString() + "。");
 }
@@ -761,6 +773,13 @@ TEST_F(ProfileListing, FailsForAFileThatIsNoProfile) {
 TEST_F(ProfileListing, FailsWithoutTheFolder) {
     ASSERT_TRUE(QDir().rmdir(profilePath({}).chopped(1)));
     EXPECT_EQ(listingFailure(), noSuchFile(profilePath({}).chopped(1)));
+}
+
+TEST_F(ProfileImport, LeavesNothingOfAProfileWithoutAName) {
+    const QByteArray profile = test::icc::saved(test::icc::rgb(2.2));
+    EXPECT_EQ(importFailure(folder_.write(QStringLiteral("\u3000 "), profile)),
+              "The ICC profile name cannot be empty.");
+    EXPECT_EQ(store_.listICCAssets(), QList<ManagedICCAsset>());
 }
 
 } // namespace orvex

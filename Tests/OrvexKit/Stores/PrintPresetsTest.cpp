@@ -286,7 +286,7 @@ TEST(PrintPreset, IsRefusedInChinese) {
     const test::InChinese chinese;
     EXPECT_EQ(issueOfQuality({}, {}), "预设只能记录驱动实际提供的 Resolution 质量选项，不能记录裁切或其他驱动控制项。");
     EXPECT_EQ(issueOfQuality({}), "打印质量选项无效。请选择当前驱动实际提供的选项。");
-    EXPECT_EQ(issueOf(test::assetOf({}, {})), "ICC 资源引用无效。预设只能引用由应用管理并已校验内容的文件。");
+    EXPECT_EQ(issueOf(test::assetOf({}, {})), "ICC 资源引用无效。预设只能引用由应用管理且内容已通过校验的文件。");
     EXPECT_EQ(issueOf(test::assetOf(test::missingAsset().sha256, {})), "ICC 配置文件名称不能为空。");
     EXPECT_EQ(issueOfPreset([](PrintPreset& p) { p.schemaVersion = 2; }), "不支持此预设版本。原文件已保留。");
     EXPECT_EQ(issueOfName({}), "预设名称须为 1–200 个字符。");

@@ -229,6 +229,12 @@ TEST(IccProfile, IsNotWellFormedWithATagThatIsThereTwice) {
     EXPECT_FALSE(IccProfile::fromData(twice));
 }
 
+TEST(IccProfile, IsNotWellFormedWithACurveOfAnotherType) {
+    const QByteArray data = ordinary();
+    const auto offset = qFromBigEndian<quint32>(data.constData() + icc::entryOf(data, "rTRC") + 4);
+    EXPECT_FALSE(IccProfile::isWellFormed(QByteArray(data).replace(offset, 4, "text")));
+}
+
 TEST(IccProfile, IsWellFormedWheneverItCanBeUsed) {
     const QByteArray data = ordinary();
     for (qsizetype offset = 0; offset < data.size(); ++offset) {

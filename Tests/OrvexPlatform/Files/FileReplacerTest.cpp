@@ -447,6 +447,13 @@ TEST_F(StaleTemporaries, OfADestinationWithASignOfPatternsInItsNameAreItsOwn) {
     EXPECT_EQ(folder_.names(), (QStringList{other, QStringLiteral("a+b (1)[2].*$.json")}));
 }
 
+TEST_F(StaleTemporaries, OfADestinationWithALongNameGo) {
+    const QByteArray name(255, 'x');
+    const QString stale = leave(name.first(213)); // as much of it as leaves room for the rest
+    FileReplacer::replace(path(name.constData()), "new");
+    EXPECT_EQ(folder_.names(), QStringList{QString::fromUtf8(name)}) << stale.toStdString();
+}
+
 TEST_F(StaleTemporaries, BehindALinkGo) {
     ASSERT_TRUE(QDir(folder_.path()).mkpath(QStringLiteral("elsewhere")));
     write("elsewhere/file", "old");

@@ -84,8 +84,8 @@ TEST(JsonPortions, AreThoseOfAnArrayAlone) {
     for (const char* other : {"{}", " {\"a\":[]}", "\xEF\xBB\xBF{\"a\":[1]}"}) {
         EXPECT_EQ(portionsOf(other), QByteArrayList{"Expected an array."}) << other;
     }
-    EXPECT_EQ(portionsOf("7"), QByteArrayList{"Not valid JSON (at byte 0)."});
-    EXPECT_EQ(portionsOf("\xEF\xBB\xBF\"[]\""), QByteArrayList{"Not valid JSON (at byte 3)."});
+    EXPECT_EQ(portionsOf("7"), QByteArrayList{"Not valid JSON (at byte 1)."}) << "the byte behind it";
+    EXPECT_EQ(portionsOf("\xEF\xBB\xBF\"[]\""), QByteArrayList{"Not valid JSON (at byte 4)."});
 }
 
 TEST(JsonPortions, AreThoseOfJsonAlone) {
