@@ -151,9 +151,13 @@ PrintPreset PresetStore::save(const PrintPreset& preset) const {
     if (copy.iccAsset) {
         static_cast<void>(resolveICC(*copy.iccAsset));
     }
+    const QString path = StoreFiles::path(directory_, presetFilename(copy.id));
+    const QByteArray json = platform::writeJson(copy.toJson(), platform::JsonForm::pretty);
+    if (json.size() > largestPresetBytes) {
+        throw platform::FileSystemError(EFBIG, path); // it could not be read again
+    }
     removeStaleTemporaries(directory_);
-    platform::FileReplacer::replace(StoreFiles::path(directory_, presetFilename(copy.id)),
-                                    platform::writeJson(copy.toJson(), platform::JsonForm::pretty));
+    platform::FileReplacer::replace(path, json);
     return copy;
 }
 

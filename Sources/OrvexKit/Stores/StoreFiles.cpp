@@ -30,6 +30,17 @@ QString path(const QUrl& directory, const QString& name) {
     return folder.endsWith(u'/') ? folder + name : folder + u'/' + name;
 }
 
+void requireReadable(const QByteArrayList& pieces, const QString& path) {
+    constexpr qint64 largestPieceBytes = platform::JsonPortions::largestElementBytes / 2; // it is read with others
+    qint64 bytes = 0;
+    for (const QByteArray& piece : pieces) {
+        bytes += piece.size();
+        if (piece.size() > largestPieceBytes || bytes > largestListBytes) {
+            throw platform::FileSystemError(EFBIG, path);
+        }
+    }
+}
+
 QByteArray readRegularFile(const QString& path, qint64 limitBytes) {
     const QByteArray native = platform::nativePath(path);
     const platform::LinkFreeView view(native);

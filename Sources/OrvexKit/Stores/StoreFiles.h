@@ -25,11 +25,15 @@ template <typename Record>
     return content ? platform::readManyRecords<Record>(*content) : QList<Record>();
 }
 
+/// Refuses to write what could not be read again: a list that is too large, or part of one. Raises FileSystemError.
+void requireReadable(const QByteArrayList& pieces, const QString& path);
+
 /// Replaces a JSON file by the list of records.
 template <typename Record>
 void writeList(const QString& path, const QList<Record>& records) {
-    platform::FileReplacer::replace(path,
-                                    platform::writeManyRecords(records, platform::JsonForm::prettyEscapedSlashes));
+    const QByteArrayList pieces = platform::writeManyRecords(records, platform::JsonForm::prettyEscapedSlashes);
+    requireReadable(pieces, path);
+    platform::FileReplacer::replace(path, pieces);
 }
 
 /// The content of a regular file; a link is none. Raises OrvexError for anything else, and FileSystemError for a file

@@ -78,7 +78,7 @@ QByteArray writeJson(const QJsonValue& value, JsonForm form) {
 }
 
 QByteArrayList writeJsonArray(qsizetype count, const std::function<QJsonObject(qsizetype)>& element, JsonForm form) {
-    constexpr qsizetype elementsOfPiece = 64; // small enough to share the work out evenly, large enough to be worth it
+    constexpr qsizetype elementsOfPiece = 16; // small enough to share the work out evenly, large enough to be worth it
     if (count == 0) {
         return {writeJson(QJsonArray(), form)};
     }

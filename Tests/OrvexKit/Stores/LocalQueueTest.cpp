@@ -3,6 +3,7 @@
 #include "Files/FileSystemError.h"
 #include "InChinese.h"
 #include "Json/JsonError.h"
+#include "Json/JsonPortions.h"
 #include "StoreFixtures.h"
 
 #include <QFileInfo>
@@ -212,6 +213,18 @@ TEST_F(LocalQueueTest, MakesItsFolder) {
     const QUrl directory = QUrl::fromLocalFile(folder_.path(QStringLiteral("a/b 画")));
     EXPECT_EQ(LocalQueueStore(directory).directory(), directory);
     EXPECT_TRUE(QFileInfo(folder_.path(QStringLiteral("a/b 画"))).isDir());
+}
+
+TEST_F(LocalQueueTest, IsNotReplacedByWhatCouldNotBeReadAgain) {
+    store().save({bareJob()});
+    const QByteArray before = stored();
+    StagedJob large = bareJob();
+    large.title = QString(platform::JsonPortions::largestElementBytes / 2, u'x');
+    EXPECT_EQ(failureOf([&] { store().save({large}); }), file().toStdString() + ": File too large");
+    EXPECT_EQ(stored(), before);
+    large.title.chop(1 << 16);
+    store().save({large});
+    EXPECT_EQ(store().load(), QList{large});
 }
 
 TEST_F(LocalQueueTest, IsNotTakenForEmptyWhereALinkLeadsNowhere) {

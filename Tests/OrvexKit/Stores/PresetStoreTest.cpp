@@ -392,6 +392,14 @@ TEST_F(PresetLoading, TakesAnExtensionForItselfInCapitalsOnly) {
     EXPECT_EQ(store_.load(), QList<PrintPreset>());
 }
 
+TEST_F(PresetSaving, WritesNoPresetThatCouldNotBeReadAgain) {
+    PrintPreset preset = test::preset();
+    preset.mediaName = QString(1 << 22, u'x');
+    const std::string file = path(filenameOf(preset.id)).toStdString();
+    EXPECT_EQ(savingFailure(preset), file + ": File too large");
+    EXPECT_EQ(store_.load(), QList<PrintPreset>());
+}
+
 TEST_F(PresetLoading, ReadsNoPresetThatIsFarTooLarge) {
     write(QStringLiteral("a.json"), QByteArray((1 << 22) + 1, ' '));
     EXPECT_EQ(loadingFailure(),
