@@ -3,6 +3,7 @@
 #include "Files/Paths.h"
 #include "OrvexError.h"
 #include "OrvexQAWorkspace.h"
+#include "ProgressBar.h"
 #include "StoreAnswers.h"
 #include "Stores/LocalQueue.h"
 
@@ -30,6 +31,13 @@ qsizetype indexOf(const QUuid& id, const QList<StagedJob>& jobs) {
     return found - jobs.begin();
 }
 
+void exportWithProgress(const LocalQueueStore& queue, const StagedJob& job, const QUrl& to,
+                        const std::stop_token& stop) {
+    ProgressBar bar;
+    queue.exportPDF(
+        job, to, [&bar](double fraction) { bar.show(spt("导出", "Exporting"), fraction); }, stop);
+}
+
 void runExport(const JobsOptions& options, const CommandContext& context) {
     const QUuid id = idArgument(options.id);
     const LocalQueueStore queue = openQueue();
@@ -40,7 +48,7 @@ void runExport(const JobsOptions& options, const CommandContext& context) {
         printFile(platform::localPath(queue.pdfURL(job)), context.stop);
         return;
     }
-    queue.exportPDF(job, platform::fileUrl(file), context.stop);
+    exportWithProgress(queue, job, platform::fileUrl(file), context.stop);
     printResult(job.toJson());
 }
 

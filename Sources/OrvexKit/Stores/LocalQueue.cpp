@@ -115,11 +115,17 @@ QString LocalQueueStore::pdfNotDeleted() {
                "folder.");
 }
 
-void LocalQueueStore::exportPDF(const StagedJob& job, const QUrl& to, const std::stop_token& stop) const {
+void LocalQueueStore::exportPDF(const StagedJob& job, const QUrl& to,
+                                const std::function<void(double fraction)>& report, const std::stop_token& stop) const {
     refuseOwnFile(platform::localPath(to), platform::localPath(directory_));
     const auto pdf = platform::RandomAccessFile::open(platform::localPath(pdfURL(job)), stop);
     auto copy = platform::FileReplacer::open(platform::localPath(to));
-    pdf.forEachPiece([&](QByteArrayView piece) { copy.write(piece); });
+    pdf.forEachPiece([&](QByteArrayView piece) {
+        copy.write(piece);
+        if (report) {
+            report(static_cast<double>(copy.position()) / static_cast<double>(pdf.size()));
+        }
+    });
     copy.commit();
 }
 

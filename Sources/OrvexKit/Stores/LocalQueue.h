@@ -14,6 +14,7 @@
 #include <QUrl>
 #include <QUuid>
 
+#include <functional>
 #include <optional>
 #include <stop_token>
 
@@ -78,9 +79,11 @@ public:
     /// The place of the job's PDF.
     [[nodiscard]] QUrl pdfURL(const StagedJob& job) const;
 
-    /// Copies the job's PDF to a file, which keeps its old content until the copy is complete. Raises OrvexError for a
-    /// file of the stores, and Interrupted once a stop is requested.
-    void exportPDF(const StagedJob& job, const QUrl& to, const std::stop_token& stop = {}) const;
+    /// Copies the job's PDF to a file, which keeps its old content until the copy is complete. `report` is told of the
+    /// part that is done, 0 to 1, for each piece of it. Raises OrvexError for a file of the stores, and Interrupted
+    /// once a stop is requested.
+    void exportPDF(const StagedJob& job, const QUrl& to, const std::function<void(double fraction)>& report = {},
+                   const std::stop_token& stop = {}) const;
 
 private:
     [[nodiscard]] QString listPath() const;

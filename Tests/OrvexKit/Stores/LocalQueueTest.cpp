@@ -2,6 +2,7 @@
 
 #include "Files/FileSystemError.h"
 #include "InChinese.h"
+#include "Interrupted.h"
 #include "Json/JsonError.h"
 #include "Json/JsonPortions.h"
 #include "StoreFixtures.h"
@@ -193,6 +194,7 @@ protected:
 };
 
 using JobRemoval = LocalQueueTest;
+using JobExport = LocalQueueTest;
 
 } // namespace
 
@@ -596,6 +598,45 @@ TEST_F(JobRemoval, SavesTheListAsItIsGiven) {
     EXPECT_TRUE(store().remove(fullJob(), {fullJob()}));
     EXPECT_EQ(store().load(), QList{fullJob()});
     EXPECT_FALSE(QFileInfo::exists(pdf));
+}
+
+// Exporting a PDF
+
+TEST_F(JobExport, CopiesThePDFAndTellsHowFarItHasCome) {
+    const StagedJob job = bareJob();
+    const QByteArray pdf(5 << 19, 'x'); // two pieces and a half
+    folder_.write(job.pdfFileName(), pdf);
+    const TemporaryFolder other;
+    const QString to = other.write(QStringLiteral("copy.pdf"), "old");
+    QList<double> fractions;
+    store().exportPDF(job, QUrl::fromLocalFile(to), [&](double fraction) { fractions.append(fraction); });
+    EXPECT_EQ(TemporaryFolder::read(to), pdf);
+    EXPECT_EQ(fractions, (QList<double>{0.4, 0.8, 1.0}));
+    EXPECT_EQ(other.names(), QStringList{QStringLiteral("copy.pdf")});
+}
+
+TEST_F(JobExport, LeavesTheDestinationWhenItIsStopped) {
+    const StagedJob job = bareJob();
+    folder_.write(job.pdfFileName(), QByteArray(5 << 19, 'x'));
+    const TemporaryFolder other;
+    const QString to = other.write(QStringLiteral("copy.pdf"), "old");
+    std::stop_source stop;
+    const auto stopping = [&](double) { stop.request_stop(); };
+    EXPECT_THROW(store().exportPDF(job, QUrl::fromLocalFile(to), stopping, stop.get_token()), platform::Interrupted);
+    EXPECT_EQ(TemporaryFolder::read(to), "old");
+    EXPECT_EQ(other.names(), QStringList{QStringLiteral("copy.pdf")});
+}
+
+TEST_F(JobExport, LeavesTheDestinationWhenThePDFBecomesShorter) {
+    const StagedJob job = bareJob();
+    const QString pdf = folder_.write(job.pdfFileName(), QByteArray(5 << 19, 'x'));
+    const TemporaryFolder other;
+    const QString to = other.write(QStringLiteral("copy.pdf"), "old");
+    const auto shortening = [&](double) { ASSERT_TRUE(QFile::resize(pdf, 1 << 20)); };
+    EXPECT_EQ(failureOf([&] { store().exportPDF(job, QUrl::fromLocalFile(to), shortening); }),
+              pdf.toStdString() + ": Input/output error");
+    EXPECT_EQ(TemporaryFolder::read(to), "old");
+    EXPECT_EQ(other.names(), QStringList{QStringLiteral("copy.pdf")});
 }
 
 } // namespace orvex
