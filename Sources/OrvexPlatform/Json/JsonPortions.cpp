@@ -21,6 +21,12 @@ QString pathInWhole(const JsonPortion& portion, const QString& path) {
     return elementPath(portion.firstIndex + index) + path.mid(end + 1);
 }
 
+void requireSize(QByteArrayView text, const QString& keyPath) {
+    if (text.size() > JsonPortions::largestElementBytes) {
+        throw JsonError(keyPath, spt("内容过大。", "It is too large."));
+    }
+}
+
 /// Raises the first error that there is no JSON, or else the first of all, if there is one.
 void raiseFirst(const std::vector<std::exception_ptr>& syntaxErrors, const std::vector<std::exception_ptr>& errors) {
     for (const auto& list : {syntaxErrors, errors}) {
@@ -43,16 +49,14 @@ JsonPortions::JsonPortions(QByteArrayView utf8)
     }
     portions_ = std::move(outline.portions);
     if (portions_.empty()) {
-        // The reader tells what is amiss, of an object without making a tree of it.
-        static_cast<void>(JsonReader::parse(text_.trimmed().startsWith('{') ? QByteArrayView("{}") : utf8).count());
+        requireSize(text_, {});
+        static_cast<void>(JsonReader::parse(utf8).count()); // tells what is amiss
     }
 }
 
 JsonReader JsonPortions::arrayOf(const JsonPortion& portion) const {
     const QByteArrayView text = text_.sliced(portion.begin, portion.end - portion.begin);
-    if (text.size() > largestElementBytes) {
-        throw JsonError(elementPath(portion.count - 1), spt("内容过大。", "It is too large."));
-    }
+    requireSize(text, elementPath(portion.count - 1));
     return JsonReader::parse('[' + text.toByteArray() + ']');
 }
 

@@ -88,6 +88,11 @@ TEST(JsonPortions, AreThoseOfAnArrayAlone) {
     EXPECT_EQ(portionsOf("\xEF\xBB\xBF\"[]\""), QByteArrayList{"Not valid JSON (at byte 4)."});
 }
 
+TEST(JsonPortions, TellWhatIsAmissInAnObject) {
+    EXPECT_EQ(portionsOf("{\"a\":\"\xDC\"}"), QByteArrayList{"Not valid JSON (at byte 6)."});
+    EXPECT_EQ(portionsOf("{\"a\":1e999}"), QByteArrayList{"Not valid JSON (at byte 10)."});
+}
+
 TEST(JsonPortions, AreThoseOfJsonAlone) {
     EXPECT_EQ(portionsOf(""), QByteArrayList{"Not valid JSON (at byte 0)."});
     EXPECT_EQ(portionsOf("[1"), QByteArrayList{"Not valid JSON (at byte 2)."});
@@ -132,6 +137,7 @@ TEST(JsonPortions, TellOfTheFirstThingThatIsNoJsonAndElseOfTheFirstOfAll) {
 TEST(JsonPortions, AreRefusedIfOneElementIsTooLarge) {
     const QByteArray large = '"' + QByteArray(JsonPortions::largestElementBytes, 'x') + '"';
     EXPECT_EQ(readingFailure("[1,2," + large + ",3]"), "[2]: It is too large.");
+    EXPECT_EQ(readingFailure("{\"a\":" + large + "}"), "It is too large.");
 }
 
 } // namespace orvex::platform
