@@ -67,20 +67,22 @@ def run_in_turns(*programs):
 
 
 def verdict(task, most, unit, figure):
+    if most is None:
+        return ["", ""]
     holds = figure < most
     if not holds:
         missed.append(task)
     return ["< %g %s" % (most, unit), "yes" if holds else "NO"]
 
 
-def rows_of(task, ours, peer):
-    yield ([task, "ours", "%.2f s" % ours.seconds, ""] + verdict(task, MOST_QUEUE_SECONDS, "s", ours.seconds))
+def rows_of(task, most_seconds, ours, peer):
+    yield ([task, "ours", "%.2f s" % ours.seconds, ""] + verdict(task, most_seconds, "s", ours.seconds))
     yield (["", "", "%.0f MiB" % ours.mib, ""] + verdict(task, MOST_QUEUE_MIB, "MiB", ours.mib))
     yield ["", "Python", "%.2f s" % peer.seconds, "%.1f" % (peer.seconds / ours.seconds), "", ""]
     yield ["", "", "%.0f MiB" % peer.mib, "%.1f" % (peer.mib / ours.mib), "", ""]
 
 
-def queue_rows(name, save_step, title):
+def queue_rows(name, save_step, title, most_seconds):
     folder = os.path.join(FOLDER, name)
     file, copy = os.path.join(folder, "queue.json"), os.path.join(FOLDER, "python.json")
     saving = Best(BENCHMARK, save_step, folder)
@@ -90,8 +92,8 @@ def queue_rows(name, save_step, title):
     run_in_turns(saving, loading, python_loading, python_saving)
     size = "%.0f MiB" % (os.path.getsize(file) / (1 << 20))
     os.remove(copy)
-    yield from rows_of("load %s, %s" % (title, size), loading, python_loading)
-    yield from rows_of("save %s, %s" % (title, size), saving, python_saving)
+    yield from rows_of("load %s, %s" % (title, size), most_seconds, loading, python_loading)
+    yield from rows_of("save %s, %s" % (title, size), most_seconds, saving, python_saving)
 
 
 def presets_folder():
@@ -119,8 +121,8 @@ def print_table(rows):
 
 def main():
     rows = [["task", "program", "figure", "ratio", "required", "met"]]
-    rows.extend(queue_rows("queue", "save-queue", "10,000 jobs"))
-    rows.extend(queue_rows("audited-queue", "save-audited-queue", "10,000 audited jobs"))
+    rows.extend(queue_rows("queue", "save-queue", "10,000 jobs", MOST_QUEUE_SECONDS))
+    rows.extend(queue_rows("audited-queue", "save-audited-queue", "10,000 audited jobs", None))
     rows.extend(single_row("load 200 presets with profiles of 2 MiB", "load-presets", presets_folder(),
                            MOST_PRESETS_SECONDS))
     rows.extend(single_row("append to 10,000 observations", "append-journal", os.path.join(FOLDER, "journal"),
