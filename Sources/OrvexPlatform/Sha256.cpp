@@ -46,4 +46,11 @@ QString sha256Hex(QByteArrayView bytes) {
     return QString::fromLatin1(hash.digest().toHex());
 }
 
+bool isSha256Hex(const QString& text) {
+    constexpr qsizetype digits = 64;
+    return text.size() == digits && std::ranges::all_of(text, [](QChar digit) {
+               return (digit >= u'0' && digit <= u'9') || (digit >= u'a' && digit <= u'f');
+           });
+}
+
 } // namespace orvex::platform

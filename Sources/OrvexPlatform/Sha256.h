@@ -30,4 +30,7 @@ private:
 /// The SHA-256 digest of bytes as 64 lower-case hexadecimal digits.
 [[nodiscard]] QString sha256Hex(QByteArrayView bytes);
 
+/// Whether a text has the form that `sha256Hex` gives: upper-case digits are none of it.
+[[nodiscard]] bool isSha256Hex(const QString& text);
+
 } // namespace orvex::platform

@@ -6,6 +6,7 @@
 #include "Files/RandomAccessFile.h"
 #include "Json/JsonWriter.h"
 #include "OrvexLanguage.h"
+#include "Sha256.h"
 
 #include <QSet>
 
@@ -83,17 +84,9 @@ void requireOutsideOfRoots(const QString& path, const ProtectedSettingsSnapshot&
     }
 }
 
-bool isFingerprint(const std::optional<QString>& text) {
-    constexpr qsizetype digits = 64;
-    const auto isDigit = [](QChar digit) {
-        return (digit >= u'0' && digit <= u'9') || (digit >= u'a' && digit <= u'f');
-    };
-    return text && text->size() == digits && std::ranges::all_of(*text, isDigit);
-}
-
 bool hasFingerprintIfNeeded(const ProtectedSettingsFile& file) {
     const bool isNeeded = file.status == Status::regularFile || file.status == Status::symbolicLink;
-    return !isNeeded || isFingerprint(file.sha256);
+    return !isNeeded || (file.sha256 && platform::isSha256Hex(*file.sha256));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "Json/JsonRecords.h"
 #include "OrvexLanguage.h"
+#include "Sha256.h"
 #include "Text.h"
 
 #include <algorithm>
@@ -21,13 +22,6 @@ bool isDriverValue(const QString& value) {
     const auto scalars = value.toUcs4();
     return !value.isEmpty() && platform::hasAtMostCharacters(value, longestDriverValue) &&
            std::ranges::none_of(scalars, isControl);
-}
-
-bool isLowercaseDigest(const QString& text) {
-    constexpr qsizetype digits = 64;
-    return text.size() == digits && std::ranges::all_of(text, [](QChar digit) {
-               return (digit >= u'0' && digit <= u'9') || (digit >= u'a' && digit <= u'f');
-           });
 }
 
 } // namespace
@@ -54,7 +48,7 @@ QJsonObject DriverOptionSelection::toJson() const {
 }
 
 std::optional<QString> ManagedICCAsset::validationError() const {
-    if (!isLowercaseDigest(sha256) || filename != sha256 + QStringLiteral(".icc")) {
+    if (!platform::isSha256Hex(sha256) || filename != sha256 + QStringLiteral(".icc")) {
         return spt("ICC 资源引用无效。预设只能引用由应用管理且内容已通过校验的文件。",
                    "Invalid ICC asset reference. Presets may reference only content-verified files managed by the "
                    "app.");
