@@ -1,0 +1,39 @@
+#pragma once
+
+#include "ChangeAnnouncer.h"
+
+#include <utility>
+
+namespace orvex {
+
+/// A field of the session that others watch: it reads like a function, and only the session writes it. A write of
+/// another value, by the type's own comparison, is announced. Main thread.
+template <typename Value>
+class Observed {
+public:
+    explicit Observed(ChangeAnnouncer& announcer, Value value = {})
+        : announcer_(announcer),
+          value_(std::move(value)) {}
+
+    Observed(const Observed&) = delete;
+    Observed& operator=(const Observed&) = delete;
+
+    [[nodiscard]] const Value& operator()() const { return value_; }
+
+private:
+    friend class OrvexModel;
+    friend class SessionBackdoor; // of the tests, for states that no command leads to
+
+    void set(Value value) {
+        if (value_ == value) {
+            return;
+        }
+        value_ = std::move(value);
+        announcer_.announce();
+    }
+
+    ChangeAnnouncer& announcer_;
+    Value value_;
+};
+
+} // namespace orvex
