@@ -17,7 +17,7 @@ namespace orvex::platform {
 /// for.
 [[nodiscard]] FileDescriptor openRegularFile(const QString& path, int flags);
 
-/// Opens a folder, so that it can be synchronised.
+/// Opens a folder, so that it can be synchronised or locked.
 [[nodiscard]] FileDescriptor openFolder(const QString& path);
 
 /// Refuses an open file that is no regular one.
