@@ -5,6 +5,7 @@
 #include "OrvexQAWorkspace.h"
 #include "ProgressBar.h"
 #include "StoreAnswers.h"
+#include "StoreChange.h"
 #include "Stores/LocalQueue.h"
 
 #include <algorithm>
@@ -54,6 +55,7 @@ void runExport(const JobsOptions& options, const CommandContext& context) {
 
 void runRemove(const JobsOptions& options) {
     const QUuid id = idArgument(options.id);
+    const StoreChange change;
     const LocalQueueStore queue = openQueue();
     QList<StagedJob> jobs = queue.load();
     const StagedJob job = jobs[indexOf(id, jobs)];

@@ -3,6 +3,7 @@
 #include "InputFile.h"
 #include "OrvexQAWorkspace.h"
 #include "StoreAnswers.h"
+#include "StoreChange.h"
 #include "Stores/PresetStore.h"
 
 namespace orvex {
@@ -16,13 +17,15 @@ PresetStore openPresets() {
 
 void runDelete(const std::string& argument) {
     const QUuid id = idArgument(argument);
+    const StoreChange change;
     const PresetStore presets = openPresets();
     presets.remove(id);
     printRecords(presets.load());
 }
 
 void runImport(const std::string& file) {
-    const InputFile profile(fileArgument(file));
+    const InputFile profile(fileArgument(file)); // reads standard input, which may take its time
+    const StoreChange change;
     printResult(openPresets().importICC(profile.url()).toJson());
 }
 

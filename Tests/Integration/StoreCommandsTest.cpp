@@ -1,4 +1,5 @@
 #include "Command.h"
+#include "Files/FolderLock.h"
 #include "IccFixtures.h"
 #include "Json/JsonWriter.h"
 #include "Stores/LocalQueue.h"
@@ -10,6 +11,8 @@
 #include <QJsonObject>
 
 #include <gtest/gtest.h>
+
+#include <array>
 
 namespace orvex {
 namespace {
@@ -286,6 +289,90 @@ TEST_F(StoreCommands, RefuseADamagedJournalAndKeepIt) {
     folder_.write(q("print-observations.json"), "[{}]");
     expectRefused(run({q("journal")}), q("[0].id: The required key is missing."));
     EXPECT_EQ(test::TemporaryFolder::read(folder_.path(q("print-observations.json"))), "[{}]");
+}
+
+// What the window has open
+
+class StoresInUse : public JobsCommand {
+protected:
+    StoresInUse() {
+        (void)presets().save({.id = firstID, .name = q("Canvas"), .createdAt = {1}, .updatedAt = {1}});
+        profile_ = folder_.write(q("canvas.icc"), test::icc::saved(test::icc::rgb(2.2, cmsSigOutputClass)));
+    }
+
+    PresetStore presets() const { return PresetStore(PresetStore::folderIn(workspace())); }
+
+    QList<QStringList> changes() const {
+        const QString id = firstID.toString(QUuid::WithoutBraces);
+        return {
+            {q("jobs"), q("remove"), id}, {q("presets"), q("delete"), id}, {q("presets"), q("import-icc"), profile_}};
+    }
+
+    QString profile_;
+};
+
+TEST_F(StoresInUse, AreNotChanged) {
+    const auto window = platform::FolderLock::tryLock(folder_.path());
+    ASSERT_TRUE(window);
+    const QStringList before = folder_.names();
+    for (const QStringList& change : changes()) {
+        expectRefused(run(change), q("orvex is open with this data folder, so nothing was changed. Quit orvex and try "
+                                     "again."));
+    }
+    EXPECT_EQ(run(changes().first(), q("zh-Hans")).errors,
+              q("orvex 正在使用此数据文件夹，未作任何更改。请先退出 orvex，然后重试。\n"));
+    EXPECT_EQ(folder_.names(), before);
+    EXPECT_EQ(LocalQueueStore(workspace()).load(), (QList{job(firstID), job(secondID)}));
+    EXPECT_EQ(presets().load().size(), 1);
+    EXPECT_EQ(presets().listICCAssets(), QList<ManagedICCAsset>());
+}
+
+TEST_F(StoresInUse, AreRead) {
+    const auto window = platform::FolderLock::tryLock(folder_.path());
+    EXPECT_EQ(run({q("jobs")}).json().array().size(), 2);
+    EXPECT_EQ(run({q("presets")}).json().array().size(), 1);
+    EXPECT_EQ(run({q("journal")}).output, "[\n]\n");
+    const QString copy = folder_.path(q("copy.pdf"));
+    EXPECT_EQ(run({q("jobs"), q("export"), firstID.toString(QUuid::WithoutBraces), copy}).status, 0);
+    EXPECT_EQ(test::TemporaryFolder::read(copy), "first PDF");
+}
+
+TEST_F(StoresInUse, AreChangedAsSoonAsTheyAreFree) {
+    for (const QStringList& change : changes()) {
+        EXPECT_EQ(run(change).status, 0);
+    }
+    EXPECT_EQ(LocalQueueStore(workspace()).load(), QList{job(secondID)});
+    EXPECT_EQ(presets().load().size(), 0);
+    EXPECT_EQ(presets().listICCAssets().size(), 1);
+    EXPECT_TRUE(platform::FolderLock::tryLock(folder_.path()));
+}
+
+TEST_F(StoresInUse, AreThoseOfTheirOwnFolderOnly) {
+    const test::TemporaryFolder other;
+    const auto window = platform::FolderLock::tryLock(other.path());
+    ASSERT_TRUE(window);
+    EXPECT_EQ(run(changes().first()).status, 0);
+}
+
+TEST_F(StoresInUse, LoseNothingToCommandsThatRunAtOnce) {
+    constexpr int count = 4;
+    QList<StagedJob> jobs;
+    std::array<QProcess, count> commands;
+    for (int index = 0; index < count; ++index) {
+        jobs.append(job(QUuid::createUuid()));
+    }
+    LocalQueueStore(workspace()).save(jobs + QList{job(secondID)});
+    for (int index = 0; index < count; ++index) {
+        const QString id = jobs[index].id.toString(QUuid::WithoutBraces);
+        folder_.write(jobs[index].pdfFileName(), "PDF");
+        commands[static_cast<std::size_t>(index)].start(
+            q(ORVEXCTL), {q("--orvex-qa-workspace"), folder_.path(), q("jobs"), q("remove"), id});
+    }
+    for (QProcess& command : commands) {
+        ASSERT_TRUE(command.waitForFinished());
+        EXPECT_EQ(command.exitCode(), 0) << command.readAllStandardError().toStdString();
+    }
+    EXPECT_EQ(LocalQueueStore(workspace()).load(), QList{job(secondID)});
 }
 
 // The place of the stores
