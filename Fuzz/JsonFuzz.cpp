@@ -109,7 +109,7 @@ void exerciseGrammar(QByteArrayView text) {
 /// A value that was read once must be readable again, so no error is expected here.
 void mustSurviveWriting(const platform::JsonReader& reader) noexcept {
     using enum platform::JsonForm;
-    for (const auto form : {pretty, prettyEscapedSlashes, compactLine}) {
+    for (const auto form : {pretty, prettyEscapedSlashes, compactLine, compactEscapedSlashes}) {
         mustHold(platform::JsonReader::parse(platform::writeJson(reader.value(), form)).value() == reader.value());
     }
 }

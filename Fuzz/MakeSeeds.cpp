@@ -1,6 +1,7 @@
 // make-seeds FOLDER: writes the files that fuzzing starts from, in a folder for each kind. Small, whole and the same at
 // every call.
 
+#include "CanvasPreference.h"
 #include "Exif.h"
 #include "Json/JsonRecords.h"
 #include "Layout/RollLayout.h"
@@ -432,6 +433,16 @@ void makeJournals(const fs::path& folder) {
     writeList(folder / "seventy.json", observations);
 }
 
+void makePreferences(const fs::path& folder) {
+    const auto write = [&](const char* name, const QString& printerName) {
+        const CanvasPreference preference{.printerName = printerName, .presetID = idOf(1)};
+        writeBytes(folder / name, platform::writeJson(preference.toJson(), platform::JsonForm::compactEscapedSlashes));
+    };
+    write("plain.json", QStringLiteral("W9400"));
+    write("empty-name.json", {});
+    write("odd-name.json", QStringLiteral("长卷/\"9400\"\n"));
+}
+
 void makeAll(const fs::path& root) {
     makeJpegs(folderFor(root, "jpeg"));
     makePngs(folderFor(root, "png"));
@@ -451,6 +462,7 @@ void makeAll(const fs::path& root) {
     makeQueues(folderFor(root, "queue"));
     makePresets(folderFor(root, "preset"));
     makeJournals(folderFor(root, "journal"));
+    makePreferences(folderFor(root, "preference"));
 }
 
 } // namespace

@@ -1,7 +1,9 @@
 #include "CommandText.h"
 #include "Commands.h"
+#include "Files/ApplicationFolder.h"
 #include "InputFile.h"
 #include "OrvexQAWorkspace.h"
+#include "PresetDeletion.h"
 #include "StoreAnswers.h"
 #include "StoreChange.h"
 #include "Stores/PresetStore.h"
@@ -19,7 +21,10 @@ void runDelete(const std::string& argument) {
     const QUuid id = idArgument(argument);
     const StoreChange change;
     const PresetStore presets = openPresets();
-    presets.remove(id);
+    const QUrl defaultsURL = CanvasPreference::url(platform::storeFolder(OrvexQAWorkspace::directory()));
+    std::optional<CanvasPreference> preference = CanvasPreference::load(defaultsURL);
+    static_cast<void>(presets.load()); // one that cannot be read refuses the deletion before anything is gone
+    deletePreset(id, presets, defaultsURL, preference);
     printRecords(presets.load());
 }
 

@@ -1,3 +1,4 @@
+#include "CanvasPreference.h"
 #include "Command.h"
 #include "Files/FolderLock.h"
 #include "IccFixtures.h"
@@ -223,6 +224,37 @@ TEST_F(PresetsCommand, ListsAndDeletes) {
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.json().array(), QJsonArray{second.toJson()});
     EXPECT_EQ(store().load(), QList{second});
+}
+
+TEST_F(PresetsCommand, DeletesTheBindingOfAPresetWithIt) {
+    (void)store().save(preset(firstID));
+    (void)store().save(preset(secondID));
+    const QUrl file = CanvasPreference::url(workspace());
+    const CanvasPreference binding{.printerName = q("W9400"), .presetID = firstID};
+    binding.save(file);
+    EXPECT_EQ(run({q("presets"), q("delete"), secondID.toString(QUuid::WithoutBraces)}).status, 0);
+    EXPECT_EQ(CanvasPreference::load(file), binding);
+    EXPECT_EQ(run({q("presets"), q("delete"), firstID.toString(QUuid::WithoutBraces)}).status, 0);
+    EXPECT_EQ(folder_.names(), QStringList{q("presets")});
+}
+
+TEST_F(PresetsCommand, DeletesNothingWithABindingThatCannotBeRead) {
+    const PrintPreset stored = store().save(preset(firstID));
+    folder_.write(q("canvas-default.json"), "{}");
+    expectRefused(run({q("presets"), q("delete"), firstID.toString(QUuid::WithoutBraces)}),
+                  q("printerName: The required key is missing."));
+    EXPECT_EQ(store().load(), QList{stored});
+    EXPECT_EQ(test::TemporaryFolder::read(folder_.path(q("canvas-default.json"))), "{}");
+}
+
+TEST_F(PresetsCommand, KeepsTheBindingOfAPresetThatCannotBeDeleted) {
+    (void)store().save(preset(firstID));
+    const QUrl file = CanvasPreference::url(workspace());
+    const CanvasPreference binding{.printerName = q("W9400"), .presetID = firstID};
+    binding.save(file);
+    folder_.write(q("presets/bad.json"), "{}");
+    EXPECT_EQ(run({q("presets"), q("delete"), firstID.toString(QUuid::WithoutBraces)}).status, 1);
+    EXPECT_EQ(CanvasPreference::load(file), binding);
 }
 
 TEST_F(PresetsCommand, HasNothingAgainstAPresetThatIsGone) {

@@ -71,10 +71,11 @@ QString urlText(const QUrl& url) {
 
 QByteArray writeJson(const QJsonValue& value, JsonForm form) {
     const QJsonDocument document = value.isArray() ? QJsonDocument(value.toArray()) : QJsonDocument(value.toObject());
-    const auto layout = form == JsonForm::compactLine ? QJsonDocument::Compact : QJsonDocument::Indented;
-    const QByteArray bytes = document.toJson(layout);
+    const bool isCompact = form == JsonForm::compactLine || form == JsonForm::compactEscapedSlashes;
+    const bool escapesSlashes = form == JsonForm::prettyEscapedSlashes || form == JsonForm::compactEscapedSlashes;
+    const QByteArray bytes = document.toJson(isCompact ? QJsonDocument::Compact : QJsonDocument::Indented);
     // A slash stands in texts and keys only, and never behind a backslash of its own: Qt escapes none.
-    return form == JsonForm::prettyEscapedSlashes ? withEscapedSlashes(bytes) : bytes;
+    return escapesSlashes ? withEscapedSlashes(bytes) : bytes;
 }
 
 QByteArrayList writeJsonArray(qsizetype count, const std::function<QJsonObject(qsizetype)>& element, JsonForm form) {

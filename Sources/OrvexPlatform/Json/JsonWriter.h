@@ -16,9 +16,10 @@ namespace orvex::platform {
 
 /// How a record's JSON is laid out; keys are sorted in every form.
 enum class JsonForm {
-    pretty,               ///< indented, slashes plain
-    prettyEscapedSlashes, ///< indented, every "/" as "\/"
-    compactLine,          ///< one line without its line feed
+    pretty,                ///< indented, slashes plain
+    prettyEscapedSlashes,  ///< indented, every "/" as "\/"
+    compactLine,           ///< one line without its line feed, slashes plain
+    compactEscapedSlashes, ///< one line without its line feed, every "/" as "\/"
 };
 
 /// A number for a JSON object. JSON has no numbers that are not finite: JsonInvalidNumber, with the key, unless the

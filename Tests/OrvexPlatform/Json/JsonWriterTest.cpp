@@ -57,6 +57,11 @@ TEST(JsonWriter, writesOneLineWithoutItsLineFeed) {
     EXPECT_FALSE(writeJson(breaks, JsonForm::compactLine).contains('\n'));
 }
 
+TEST(JsonWriter, escapesSlashesOnOneLineWhereAsked) {
+    EXPECT_EQ(writeJson(sample(), JsonForm::compactEscapedSlashes).toStdString(),
+              R"({"A":true,"a\/c":{},"b":[1,"x\/y"],"empty":[]})");
+}
+
 TEST(JsonWriter, writesArrays) {
     EXPECT_EQ(writeJson(QJsonArray{1, 2}, JsonForm::compactLine), "[1,2]");
     EXPECT_EQ(writeJson(QJsonArray{}, JsonForm::pretty), "[\n]\n");
