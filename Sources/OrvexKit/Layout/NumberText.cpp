@@ -3,6 +3,7 @@
 #include <locale.h>
 #include <stdlib.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -11,18 +12,26 @@ namespace orvex {
 
 namespace {
 
-/// The nearest decimal with that many fraction digits, exact halves to the even one as usual, without trailing zeros
-/// and without a sign on zero; a point in every locale.
-QString plainDecimal(double value, int maxFractionDigits) {
+/// The nearest decimal with that many fraction digits, exact halves to the even one as usual; a point in every locale.
+QString fixedDecimal(double value, int fractionDigits) {
     constexpr std::size_t mostBytes = 400; // the largest double has 309 digits before the point
     std::array<char, mostBytes> buffer{};
     const auto [end, error] =
-        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::fixed, maxFractionDigits);
-    QString text = QString::fromLatin1(buffer.data(), end - buffer.data());
-    while (text.contains(u'.') && (text.endsWith(u'0') || text.endsWith(u'.'))) {
-        text.chop(1);
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::fixed, fractionDigits);
+    return QString::fromLatin1(buffer.data(), end - buffer.data());
+}
+
+QString withoutTrailingZeros(QString plain) {
+    while (plain.contains(u'.') && (plain.endsWith(u'0') || plain.endsWith(u'.'))) {
+        plain.chop(1);
     }
-    return text == u"-0" ? QStringLiteral("0") : text;
+    return plain;
+}
+
+QString withoutSignOnZero(const QString& plain) {
+    const bool isZero =
+        std::all_of(plain.cbegin(), plain.cend(), [](QChar each) { return QStringView(u"-0.").contains(each); });
+    return isZero && plain.startsWith(u'-') ? plain.sliced(1) : plain;
 }
 
 /// A plain decimal with the digits and signs of the locale.
@@ -53,11 +62,19 @@ QString formatNumber(double value, const QLocale& locale, int maxFractionDigits)
     if (!std::isfinite(value)) {
         return locale.toString(value);
     }
-    return inLocale(plainDecimal(value, maxFractionDigits), locale);
+    return inLocale(withoutSignOnZero(withoutTrailingZeros(fixedDecimal(value, maxFractionDigits))), locale);
 }
 
 QString formatNumber(double value, int maxFractionDigits) {
     return formatNumber(value, QLocale(), maxFractionDigits);
+}
+
+QString formatFixedNumber(double value, int fractionDigits) {
+    const QLocale locale;
+    if (!std::isfinite(value)) {
+        return locale.toString(value);
+    }
+    return inLocale(withoutSignOnZero(fixedDecimal(value, fractionDigits)), locale);
 }
 
 std::optional<double> parseWholeDouble(const QByteArray& text) {

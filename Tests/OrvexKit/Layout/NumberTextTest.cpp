@@ -59,6 +59,34 @@ TEST(NumberText, showsNumbersThatAreNotFinite) {
     EXPECT_EQ(formatNumber(std::numeric_limits<double>::infinity(), english, 3).toStdString(), "inf");
 }
 
+TEST(FixedNumberText, keepsZerosAtItsEnd) {
+    EXPECT_EQ(formatFixedNumber(24.0, 2).toStdString(), "24.00");
+    EXPECT_EQ(formatFixedNumber(12.5, 2).toStdString(), "12.50");
+    EXPECT_EQ(formatFixedNumber(99.96, 1).toStdString(), "100.0");
+    EXPECT_EQ(formatFixedNumber(1234567.0, 1).toStdString(), "1234567.0");
+    EXPECT_EQ(formatFixedNumber(2.7, 0).toStdString(), "3");
+}
+
+TEST(FixedNumberText, hasNoSignOnZero) {
+    EXPECT_EQ(formatFixedNumber(-0.001, 2).toStdString(), "0.00");
+    EXPECT_EQ(formatFixedNumber(-0.0, 1).toStdString(), "0.0");
+    EXPECT_EQ(formatFixedNumber(-0.01, 2).toStdString(), "-0.01");
+}
+
+TEST(FixedNumberText, usesTheCurrentLocale) {
+    QLocale::setDefault(QLocale(QStringLiteral("de_DE")));
+    const QString german = formatFixedNumber(24.0, 2);
+    QLocale::setDefault(QLocale(QStringLiteral("ar_EG")));
+    const QString arabic = formatFixedNumber(1.5, 2);
+    QLocale::setDefault(QLocale(QStringLiteral("en_US")));
+    EXPECT_EQ(german.toStdString(), "24,00");
+    EXPECT_EQ(arabic.toStdString(), "١٫٥٠");
+}
+
+TEST(FixedNumberText, showsNumbersThatAreNotFinite) {
+    EXPECT_EQ(formatFixedNumber(std::numeric_limits<double>::infinity(), 2).toStdString(), "inf");
+}
+
 TEST(ParseWholeDouble, takesTheWholeTextOrNothing) {
     EXPECT_EQ(parseWholeDouble("24.5"), 24.5);
     EXPECT_EQ(parseWholeDouble("-1e-2"), -0.01);
