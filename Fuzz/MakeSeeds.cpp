@@ -236,6 +236,16 @@ void makeQueueTexts(const fs::path& folder) {
     }
 }
 
+/// Descriptions of drivers, and lines that differ by little from those that count.
+void makeDescriptions(const fs::path& folder) {
+    copyFixtures(QStringLiteral("*.ppd"), folder);
+    writeBytes(folder / "look-alikes",
+               "*PaperDimension A: \"1 2\"\n*PaperDimension A/x: \"1e1 .5\"\r\n*PaperDimension : \"1 2\"\n"
+               "*PaperDimension /A: \"1 2\"\n*PaperDimension B/a:b: \"1 2\"\n*PaperDimension C \"1 2\"\n"
+               "*PaperDimension D: \"1\"\" 2\"\n*PaperDimension E: \"1 2 3\"\n*PaperDimension F: 0x1 inf nan 1 2\n"
+               "*PaperDimension 长卷: \"1 1e999\"\n*PaperDimension G: \"-1 2\"\n *PaperDimension H: \"1 2\"\n");
+}
+
 /// An answer of ipptool with these attributes of the queue, as XML.
 QByteArray answer(const QByteArray& attributes, const QByteArray& declarations = {}) {
     return R"(<?xml version="1.0" encoding="UTF-8"?>
@@ -457,6 +467,7 @@ void makeAll(const fs::path& root) {
     makeDocuments(folderFor(root, "pdf"), root);
     makeQueueTexts(folderFor(root, "cups"));
     makePropertyLists(folderFor(root, "plist"));
+    makeDescriptions(folderFor(root, "ppd"));
     makeBaselines(folderFor(root, "baseline"));
     makeValues(folderFor(root, "values"));
     makeQueues(folderFor(root, "queue"));

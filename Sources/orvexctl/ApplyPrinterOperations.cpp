@@ -1,5 +1,6 @@
 #include "ApplyOperations.h"
 #include "CUPSParsers.h"
+#include "DriverPaperGeometry.h"
 #include "Json/JsonRecords.h"
 #include "PrinterAnswers.h"
 #include "PrinterTelemetryCommand.h"
@@ -48,6 +49,15 @@ ApplyAnswer driverOptions(const ApplyRequest& request) {
 
 ApplyAnswer jobs(const ApplyRequest& request) {
     return answerOf(platform::jsonArray(CUPSParsers::jobs(textOf(request), request.args.at("queueName").text())));
+}
+
+ApplyAnswer paperDimensions(const ApplyRequest& request) {
+    QJsonObject dimensions;
+    const QMap<QString, Size> papers = DriverPaperGeometry::paperDimensions(textOf(request));
+    for (auto each = papers.begin(); each != papers.end(); ++each) {
+        dimensions.insert(each.key(), QJsonArray{each->width, each->height});
+    }
+    return answerOf(dimensions);
 }
 
 // A queue's state
@@ -117,6 +127,7 @@ const ApplyOperations& printerOperations() {
         {QStringLiteral("deviceURIs"), deviceURIs},
         {QStringLiteral("driverOptions"), driverOptions},
         {QStringLiteral("jobs"), jobs},
+        {QStringLiteral("paperDimensions"), paperDimensions},
         {QStringLiteral("isReadOnlyTestScript"), isReadOnlyTestScript},
         {QStringLiteral("isValidQueueName"), isValidQueueName},
         {QStringLiteral("parseTelemetry"), parseTelemetry},

@@ -140,6 +140,17 @@ TEST(Apply, knowsThePureFunctions) {
         q("Page dimensions must be valid numbers greater than the combined 5 inches of white borders."));
 }
 
+TEST(Apply, givesThePaperSizesOfADriversDescription) {
+    EXPECT_EQ(answer(R"({"id":1,"op":"paperDimensions","args":{"text":"*PaperDimension A4/A4: \"595.28 841.89\"\n)"
+                     R"(*PaperDimension Bad: \"1 2 3\"\n*PaperDimension Roll60/60 in: \"4320 14400\"\n"}})"),
+              (QJsonObject{{q("id"), 1},
+                           {q("ok"), true},
+                           {q("result"), QJsonObject{{q("A4"), QJsonArray{595.28, 841.89}},
+                                                     {q("Roll60"), QJsonArray{4320, 14400}}}}}));
+    EXPECT_EQ(answer(R"({"id":1,"op":"paperDimensions","args":{"text":""}})")[q("result")], QJsonObject());
+    EXPECT_EQ(answer(R"({"id":1,"op":"paperDimensions","args":{}})")[q("usage")], true);
+}
+
 TEST(Apply, refusesALineBeyondItsLimitWithoutHoldingIt) {
     const QByteArray tooLong((qsizetype{1} << 25) + 1, ' ');
     const QList<QJsonObject> all =
