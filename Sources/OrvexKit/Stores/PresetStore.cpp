@@ -2,6 +2,7 @@
 
 #include "Color/IccProfile.h"
 #include "Files/ApplicationFolder.h"
+#include "Files/FileFacts.h"
 #include "Files/FileRemoval.h"
 #include "Files/FileReplacer.h"
 #include "Files/FileSystemError.h"
@@ -165,6 +166,16 @@ void PresetStore::remove(const QUuid& id) const {
     const QList<PrintPreset> stored = load();
     if (std::ranges::find(stored, id, &PrintPreset::id) != stored.end()) {
         platform::removeFile(StoreFiles::path(directory_, presetFilename(id)));
+    }
+}
+
+void PresetStore::backUp(const QUuid& id, const QString& folder) const {
+    const QString name = presetFilename(id);
+    const QString copy = folder + u'/' + name;
+    platform::makeFolder(folder);
+    if (!platform::isThere(copy)) {
+        const QString path = StoreFiles::path(directory_, name);
+        platform::FileReplacer::replace(copy, StoreFiles::readRegularFile(path, largestPresetBytes));
     }
 }
 

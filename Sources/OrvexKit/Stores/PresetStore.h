@@ -38,6 +38,10 @@ public:
     /// Deletes a preset, if there is one with this id; its profile stays. Refused while any preset cannot be read.
     void remove(const QUuid& id) const;
 
+    /// Copies a preset's file as it stands, under its own name, to a folder that is made if it is missing. A file that
+    /// is there already stays. A link is refused, and so is a preset that the store does not have.
+    void backUp(const QUuid& id, const QString& folder) const;
+
     /// Copies a profile into the store, which may hold it already. A link is refused.
     [[nodiscard]] ManagedICCAsset importICC(const QUrl& from) const;
 

@@ -19,4 +19,16 @@ FileFacts FileFacts::read(const QString& path) {
             .modifiedNanoseconds = modifiedNanosecondsOf(facts)};
 }
 
+bool isThere(const QString& path) {
+    try {
+        static_cast<void>(FileFacts::read(path));
+        return true;
+    } catch (const FileSystemError& error) {
+        if (!error.isMissing()) {
+            throw;
+        }
+        return false;
+    }
+}
+
 } // namespace orvex::platform

@@ -18,4 +18,7 @@ struct FileFacts {
     bool operator==(const FileFacts&) const = default;
 };
 
+/// Whether there is anything at a path, links followed. Raises FileSystemError if the system does not tell.
+[[nodiscard]] bool isThere(const QString& path);
+
 } // namespace orvex::platform

@@ -97,4 +97,17 @@ TEST(FileFacts, AreRefusedWhereThereAreNone) {
     EXPECT_EQ(failureFor(folder.path() + QChar(u'\0')), ENOENT);
 }
 
+TEST(FileFacts, TellWhetherAnythingIsThere) {
+    const TemporaryFolder folder;
+    const QString file = folder.write(QStringLiteral("file"), {});
+    const QString link = folder.path(QStringLiteral("link"));
+    ASSERT_TRUE(QFile::link(folder.path(QStringLiteral("missing")), link));
+    EXPECT_TRUE(isThere(file));
+    EXPECT_TRUE(isThere(folder.path()));
+    EXPECT_FALSE(isThere(folder.path(QStringLiteral("missing"))));
+    EXPECT_FALSE(isThere(file + QStringLiteral("/inner")));
+    EXPECT_FALSE(isThere(link));
+    EXPECT_THROW((void)isThere(folder.path(QString(300, u'x'))), FileSystemError);
+}
+
 } // namespace orvex::platform
