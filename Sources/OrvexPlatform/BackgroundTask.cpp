@@ -11,11 +11,13 @@ namespace orvex::platform {
 
 namespace {
 
-constexpr int fewestThreads = 4;
+constexpr int fewestUtilityThreads = 4;
+constexpr int fewestUserInitiatedThreads = 2;
 
-class UtilityPool : public QThreadPool {
+/// As many threads as the processor has, but no fewer than that.
+class Pool : public QThreadPool {
 public:
-    UtilityPool() { setMaxThreadCount(std::max(fewestThreads, QThread::idealThreadCount())); }
+    explicit Pool(int fewestThreads) { setMaxThreadCount(std::max(fewestThreads, QThread::idealThreadCount())); }
 };
 
 } // namespace
@@ -26,7 +28,12 @@ void lowerThreadPriority() {
 }
 
 QThreadPool& utilityPool() {
-    static UtilityPool pool;
+    static Pool pool(fewestUtilityThreads);
+    return pool;
+}
+
+QThreadPool& userInitiatedPool() {
+    static Pool pool(fewestUserInitiatedThreads);
     return pool;
 }
 

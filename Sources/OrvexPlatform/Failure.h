@@ -3,6 +3,7 @@
 #include <QString>
 
 #include <exception>
+#include <optional>
 
 namespace orvex {
 
@@ -20,5 +21,20 @@ private:
     QString message_;
     QByteArray utf8_;
 };
+
+/// What to show of anything that was raised: a failure's own message, or a sentence about what nobody foresaw, such as
+/// a want of memory or threads.
+[[nodiscard]] QString failureMessage(const std::exception& exception);
+
+/// Does something that may fail. The message of the failure, or nothing.
+template <typename Work>
+[[nodiscard]] std::optional<QString> failureMessageOf(const Work& work) {
+    try {
+        work();
+        return std::nullopt;
+    } catch (const std::exception& exception) {
+        return failureMessage(exception);
+    }
+}
 
 } // namespace orvex

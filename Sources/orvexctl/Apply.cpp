@@ -1,7 +1,6 @@
 #include "Apply.h"
 
 #include "ApplyOperations.h"
-#include "CommandLine.h"
 #include "Failure.h"
 #include "Json/JsonError.h"
 #include "Json/JsonWriter.h"
@@ -59,10 +58,8 @@ QJsonObject answerParsed(const platform::JsonReader& request) {
         return succeeded(id, operation({.args = args.value_or(none), .layoutJson = request.find("layout")}));
     } catch (const platform::JsonError& error) {
         return wrongUsage(id, error.message());
-    } catch (const Failure& failure) {
-        return failed(id, failure.message());
     } catch (const std::exception& exception) {
-        return failed(id, unexpectedFailure(exception));
+        return failed(id, failureMessage(exception));
     }
 }
 
@@ -72,7 +69,7 @@ QJsonObject answer(QByteArrayView line) {
     } catch (const platform::JsonError& error) {
         return wrongUsage({}, error.message());
     } catch (const std::exception& exception) {
-        return failed({}, unexpectedFailure(exception));
+        return failed({}, failureMessage(exception));
     }
 }
 

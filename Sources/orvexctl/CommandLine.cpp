@@ -140,24 +140,13 @@ int run(int argc, const char* const* argv) {
 
 } // namespace
 
-QString unexpectedFailure(const std::exception& exception) {
-    if (dynamic_cast<const std::bad_alloc*>(&exception) != nullptr) {
-        return spt("内存不足。", "Not enough memory.");
-    }
-    return spt("系统资源不足或发生意外错误：%1。",
-               "The system is short of resources, or something unexpected failed: %1")
-        .arg(QString::fromLocal8Bit(exception.what()));
-}
-
 int runCommandLine(int argc, const char* const* argv) {
     try {
         return run(argc, argv);
     } catch (const platform::Interrupted&) {
         return exitInterrupted;
-    } catch (const Failure& failure) {
-        printError(failure.message());
     } catch (const std::exception& exception) {
-        printError(unexpectedFailure(exception));
+        printError(failureMessage(exception));
     }
     return exitRefused;
 }

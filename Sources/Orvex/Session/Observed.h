@@ -11,9 +11,7 @@ namespace orvex {
 template <typename Value>
 class Observed {
 public:
-    explicit Observed(ChangeAnnouncer& announcer, Value value = {})
-        : announcer_(announcer),
-          value_(std::move(value)) {}
+    explicit Observed(ChangeAnnouncer& announcer, Value value = Value()) : announcer_(announcer), value_(std::move(value)) {}
 
     Observed(const Observed&) = delete;
     Observed& operator=(const Observed&) = delete;
@@ -22,6 +20,7 @@ public:
 
 private:
     friend class OrvexModel;
+    friend class SessionOperation;
     friend class SessionBackdoor; // of the tests, for states that no command leads to
 
     void set(Value value) {
@@ -30,6 +29,14 @@ private:
         }
         value_ = std::move(value);
         announcer_.announce();
+    }
+
+    /// Removes entries of a map.
+    template <typename Predicate>
+    void removeIf(const Predicate& predicate) {
+        if (value_.removeIf(predicate) > 0) {
+            announcer_.announce();
+        }
     }
 
     ChangeAnnouncer& announcer_;

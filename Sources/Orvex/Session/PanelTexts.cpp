@@ -16,14 +16,14 @@ QString inEnglish(const QString& stored, const char* english) {
     return OrvexLanguage::current() == OrvexLanguage::english ? QString::fromLatin1(english) : stored;
 }
 
-/// The moment in local time; invalid beyond what milliseconds in 64 bits tell.
-QDateTime localDateTime(platform::Timestamp date) {
+/// The moment; invalid beyond what milliseconds in 64 bits tell.
+QDateTime dateTime(platform::Timestamp date) {
     constexpr double farthestSeconds = 9e15;
     if (!(std::abs(date.secondsSince2001) <= farthestSeconds)) {
         return {};
     }
     const QDateTime reference(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
-    return reference.addMSecs(static_cast<qint64>(std::floor(date.secondsSince2001 * 1000.0))).toLocalTime();
+    return reference.addMSecs(static_cast<qint64>(std::floor(date.secondsSince2001 * 1000.0)));
 }
 
 } // namespace
@@ -40,7 +40,11 @@ QString paperSourceLabel(const QString& value) {
 
 QString orvexDateTime(platform::Timestamp date) {
     const QLocale locale(OrvexLanguage::current().localeIdentifier());
-    return locale.toString(localDateTime(date), QLocale::ShortFormat);
+    return locale.toString(dateTime(date).toLocalTime(), QLocale::ShortFormat);
+}
+
+QString dateText(platform::Timestamp date) {
+    return dateTime(date).toString(QStringLiteral("yyyy-MM-dd HH:mm:ss +0000"));
 }
 
 QString appVersion() {

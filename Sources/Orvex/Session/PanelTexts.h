@@ -17,6 +17,10 @@ namespace orvex {
 /// calendar reaches.
 [[nodiscard]] QString orvexDateTime(platform::Timestamp date);
 
+/// A moment in the form of the diagnostics, in UTC and in every language alike: 2026-11-21 07:05:00 +0000. Empty for a
+/// moment that no calendar reaches.
+[[nodiscard]] QString dateText(platform::Timestamp date);
+
 /// The version of the program, from its information dictionary.
 [[nodiscard]] QString appVersion();
 

@@ -7,6 +7,8 @@
 #include <QDir>
 #include <QFile>
 
+#include <sys/stat.h>
+
 #include <cstdlib>
 
 namespace orvex::platform {
@@ -28,6 +30,14 @@ TemporaryFolder::TemporaryFolder() {
         throw FileSystemError::last(parent);
     }
     path_ = QFile::decodeName(path);
+    LiveTemporaries::add(path_);
+}
+
+TemporaryFolder::TemporaryFolder(const QString& name) : path_(parentFolder() + u'/' + name) {
+    constexpr mode_t ownerOnly = 0700;
+    if (::mkdir(nativePath(path_).constData(), ownerOnly) != 0) {
+        throw FileSystemError::last(path_);
+    }
     LiveTemporaries::add(path_);
 }
 

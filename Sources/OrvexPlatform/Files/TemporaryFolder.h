@@ -10,6 +10,9 @@ class TemporaryFolder {
 public:
     /// Raises FileSystemError if it cannot be made.
     TemporaryFolder();
+
+    /// The same under a name of its own. Raises FileSystemError, also if there is a file or folder of that name.
+    explicit TemporaryFolder(const QString& name);
     ~TemporaryFolder();
 
     TemporaryFolder(const TemporaryFolder&) = delete;

@@ -1,0 +1,53 @@
+// Undo and redo.
+
+#include "OrvexModel.h"
+
+namespace orvex {
+
+void OrvexModel::recordRollUndo(const std::optional<RollLayout>& layout) {
+    rollHistory_.record(layout.value_or(rollLayout()));
+    rollUndoAvailable.set(rollHistory_.isUndoAvailable());
+    rollRedoAvailable.set(rollHistory_.isRedoAvailable());
+}
+
+/// Records the layout that a series of changes began with, and saves what became of it.
+void OrvexModel::recordStep(const std::optional<RollLayout>& step) {
+    if (step) {
+        recordRollUndo(step);
+        persistRollLayout();
+    }
+}
+
+void OrvexModel::undoRollEdit() {
+    endKeyboardNudge();
+    if (busy()) {
+        return;
+    }
+    if (const auto layout = rollHistory_.undo(rollLayout())) {
+        applyHistoryStep(*layout);
+    }
+}
+
+void OrvexModel::redoRollEdit() {
+    endKeyboardNudge();
+    if (busy()) {
+        return;
+    }
+    if (const auto layout = rollHistory_.redo(rollLayout())) {
+        applyHistoryStep(*layout);
+    }
+}
+
+void OrvexModel::applyHistoryStep(const RollLayout& layout) {
+    rollLayout.set(layout);
+    selectKnown(selectedArtworkID());
+    clearColorConfirmation();
+    syncSelectedArtwork();
+    rollUndoAvailable.set(rollHistory_.isUndoAvailable());
+    rollRedoAvailable.set(rollHistory_.isRedoAvailable());
+    persistRollLayout();
+    // The layout may hold artworks whose sources are no longer known.
+    later([this] { restoreRollPreviews(true); });
+}
+
+} // namespace orvex

@@ -1,0 +1,79 @@
+// Start-up: each store on its own, so that one that cannot be read switches off only what depends on it.
+
+#include "InchLayoutMigration.h"
+#include "OrvexLanguage.h"
+#include "OrvexModel.h"
+#include "OrvexQAWorkspace.h"
+
+namespace orvex {
+
+void OrvexModel::loadQueue() {
+    const auto load = [this] {
+        const LocalQueueStore queue(OrvexQAWorkspace::directory());
+        jobs.set(queue.load());
+        store_ = queue;
+        queueAvailable.set(true);
+        defaultsURL_ = CanvasPreference::url(queue.directory());
+        canvasPreference_ = CanvasPreference::load(*defaultsURL_);
+    };
+    if (const auto failure = failureMessageOf(load)) {
+        defaultsURL_.reset();
+        errorMessage.set(spt("无法载入本地待打印队列或默认绑定。现有文件已保留：%1",
+                             "Could not load the local queue or default binding. Existing files are preserved: %1")
+                             .arg(*failure));
+    }
+}
+
+void OrvexModel::loadPresets() {
+    const auto load = [this] {
+        const auto workspace = OrvexQAWorkspace::directory();
+        const PresetStore presetStore(workspace ? std::optional(PresetStore::folderIn(*workspace)) : std::nullopt);
+        presets.set(presetStore.load());
+        presetStore_ = presetStore;
+        presetsAvailable.set(true);
+        migrateDefaultCanvas();
+        const auto bound = canvasPreference_ ? presetWithID(canvasPreference_->presetID) : std::nullopt;
+        canvasDefaultName.set(bound ? std::optional(bound->name) : std::nullopt);
+    };
+    if (const auto failure = failureMessageOf(load)) {
+        errorMessage.set(
+            spt("无法载入预设。现有文件已保留：%1", "Could not load presets. Existing files are preserved: %1")
+                .arg(*failure));
+    }
+}
+
+/// Carries the default preset forward to pages in inches, once. Raises what keeps it from that.
+void OrvexModel::migrateDefaultCanvas() {
+    if (access_ == SessionAccess::readOnly || !defaultsURL_) {
+        return;
+    }
+    QList<PrintPreset> migrated = presets();
+    migrateDefaultCanvasToInches(*presetStore_, *defaultsURL_, canvasPreference_, migrated);
+    presets.set(migrated);
+}
+
+void OrvexModel::loadJournal() {
+    const auto load = [this] {
+        const PrintJournalStore journal(OrvexQAWorkspace::directory());
+        observations.set(journal.load());
+        journalStore_ = journal;
+    };
+    if (const auto failure = failureMessageOf(load)) {
+        errorMessage.set(
+            spt("无法读取实物观察记录：%1", "Could not read physical observation records: %1").arg(*failure));
+    }
+}
+
+void OrvexModel::loadBaseline() {
+    const auto load = [this] {
+        const ProtectedSettingsBaselineStore baseline(OrvexQAWorkspace::directory());
+        protectedBaseline_ = baseline.load();
+        protectionStore_ = baseline;
+    };
+    if (failureMessageOf(load)) {
+        protectionMessage.set(spt("无法读取设置基线，原文件已保留。",
+                                  "The settings baseline could not be read; the original file is preserved."));
+    }
+}
+
+} // namespace orvex
