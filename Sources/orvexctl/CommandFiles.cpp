@@ -15,6 +15,7 @@
 
 #include <array>
 #include <cerrno>
+#include <iostream>
 
 namespace orvex {
 
@@ -96,6 +97,10 @@ void writeOutput(const QString& path, QByteArrayView bytes) {
 
 void printFile(const QString& path, const std::stop_token& stop) {
     platform::RandomAccessFile::open(path, stop).forEachPiece(writeStandardOutput);
+}
+
+void printError(const QString& message) {
+    std::cerr << message.toStdString() << std::endl;
 }
 
 void printResult(const QJsonValue& value) {

@@ -34,6 +34,9 @@ void writeOutput(const QString& path, QByteArrayView bytes);
 /// Writes the content of a file to standard output. Raises FileSystemError and Interrupted.
 void printFile(const QString& path, const std::stop_token& stop);
 
+/// Says something on standard error.
+void printError(const QString& message);
+
 /// Prints a result on standard output, indented.
 void printResult(const QJsonValue& value);
 

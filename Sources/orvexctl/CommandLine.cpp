@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 
+#include "CommandFiles.h"
 #include "CommandText.h"
 #include "Commands.h"
 #include "Failure.h"
@@ -11,7 +12,6 @@
 #include <QLocale>
 
 #include <algorithm>
-#include <iostream>
 
 namespace orvex {
 
@@ -29,10 +29,6 @@ void requireWorkspace(const std::string&) {
         throw CLI::ValidationError("--orvex-qa-workspace",
                                    description("其后须为文件夹的绝对路径", "an absolute path of a folder must follow"));
     }
-}
-
-void printError(const QString& message) {
-    std::cerr << message.toStdString() << std::endl;
 }
 
 int usageStatus(const CLI::App& app, const CLI::ParseError& error) {
@@ -72,6 +68,7 @@ void addCommands(CLI::App& app, CommandContext& context) {
     addJobsCommand(app, context);
     addPresetsCommand(app, context);
     addJournalCommand(app, context);
+    addDiagnosticsCommand(app, context);
     addApplyCommand(app, context);
 }
 

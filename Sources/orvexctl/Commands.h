@@ -29,6 +29,7 @@ void addFingerprintCommand(CLI::App& app, CommandContext& context);
 void addJobsCommand(CLI::App& app, CommandContext& context);
 void addPresetsCommand(CLI::App& app, CommandContext& context);
 void addJournalCommand(CLI::App& app, CommandContext& context);
+void addDiagnosticsCommand(CLI::App& app, CommandContext& context);
 void addApplyCommand(CLI::App& app, CommandContext& context);
 
 } // namespace orvex

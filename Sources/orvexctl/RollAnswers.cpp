@@ -3,6 +3,7 @@
 #include "CommandFiles.h"
 #include "OrvexLanguage.h"
 #include "ProgressBar.h"
+#include "RollRendering.h"
 
 namespace orvex {
 
@@ -18,7 +19,7 @@ QString progressLabel(const RollPDFRenderer::RenderProgress& progress) {
 } // namespace
 
 QString rollTitle(const std::string& argument) {
-    return argument.empty() ? spt("orvex · 卷布排版", "orvex · Roll Layout") : argumentText(argument);
+    return argument.empty() ? rollPDFTitle() : argumentText(argument);
 }
 
 QList<RollSourceAudit> renderWithProgress(const RollLayout& layout, const QString& title, const QUrl& to,

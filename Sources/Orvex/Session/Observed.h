@@ -11,7 +11,9 @@ namespace orvex {
 template <typename Value>
 class Observed {
 public:
-    explicit Observed(ChangeAnnouncer& announcer, Value value = Value()) : announcer_(announcer), value_(std::move(value)) {}
+    explicit Observed(ChangeAnnouncer& announcer, Value value = Value())
+        : announcer_(announcer),
+          value_(std::move(value)) {}
 
     Observed(const Observed&) = delete;
     Observed& operator=(const Observed&) = delete;
