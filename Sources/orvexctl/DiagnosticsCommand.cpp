@@ -21,6 +21,8 @@ public:
 
     [[nodiscard]] QCoro::Task<std::optional<QString>> openApplication(const QUrl&) override { co_return std::nullopt; }
 
+    void raiseWindow() override {}
+
     void commitEditing() override {}
 
     [[nodiscard]] std::unique_ptr<NativePrintOperation> prepareNativePrint(const NativePrintRequest&) override {

@@ -8,8 +8,10 @@
 #include "OneStepEdit.h"
 #include "PreviewStore.h"
 #include "ProtectedSettingsBaseline.h"
+#include "RaiseRequests.h"
 #include "RollHistory.h"
 #include "SessionFields.h"
+#include "SessionLock.h"
 #include "SessionServices.h"
 #include "Stores/PresetStore.h"
 
@@ -24,10 +26,10 @@ namespace orvex {
 
 class SessionOperation;
 
-/// What a session leaves alone.
+/// What a session does with the stores and the autosave.
 enum class SessionAccess {
     full,
-    readOnly ///< it loads and reads, and writes no file: neither autosave nor migration nor baseline
+    readOnly ///< it shows what is there, and every command that would store something finds no store
 };
 
 /// The one session object: it holds all that the window shows, and every command of the user is a method of it.
@@ -49,6 +51,9 @@ public:
 
     /// Cancels the work that is going on and waits for its end.
     ~OrvexModel() override;
+
+    /// Whether another process has the folder of the stores for itself. This session is a read-only one then.
+    [[nodiscard]] bool isHeldByAnother() const;
 
     // Derived values, computed anew at each call
 
@@ -198,6 +203,8 @@ private:
     friend class SessionBackdoor; // of the tests
 
     // Start-up
+    void lockStores();
+    [[nodiscard]] bool isReadOnly() const;
     void loadQueue();
     void loadPresets();
     void migrateDefaultCanvas();
@@ -278,6 +285,8 @@ private:
     SessionServices& services_;
     const SessionAccess access_;
     const MachineReadings readings_;
+    std::optional<SessionLock> lock_;
+    std::optional<RaiseRequests> raiseRequests_;
 
     QList<SessionOperation*> operations_; ///< that make the session busy
     std::stop_source closing_;

@@ -64,7 +64,7 @@ void OrvexModel::loadSavedRollLayout() {
         if (const auto bytes = platform::readFileIfThere(platform::localPath(file), largestFileBytes)) {
             takeWorkspace(decodeWorkspace(*bytes));
         }
-        if (access_ == SessionAccess::full) {
+        if (!isReadOnly()) {
             rollDocumentURL_ = file;
         }
     };
@@ -94,7 +94,7 @@ void OrvexModel::saveRollProject() {
         errorMessage.set(failure);
         return;
     }
-    if (!rollDocumentURL_) {
+    if (!rollDocumentURL_ && !isReadOnly()) {
         rollDocumentURL_ = file;
         rollSaveMessage.set(autosaved());
     }
@@ -131,7 +131,7 @@ void OrvexModel::openLayoutFile(const QUrl& file) {
     takeWorkspace(opened);
     rollPreviewsRestored_ = false;
     clearColorConfirmation();
-    if (!rollDocumentURL_ && access_ == SessionAccess::full) {
+    if (!rollDocumentURL_ && !isReadOnly()) {
         rollDocumentURL_ = file;
     }
     setTab(0);

@@ -52,6 +52,9 @@ public:
     /// Starts an application. The message of what kept it from starting, or nothing.
     [[nodiscard]] virtual QCoro::Task<std::optional<QString>> openApplication(const QUrl& application) = 0;
 
+    /// Brings the window to the front, for a user who has started the program again.
+    virtual void raiseWindow() = 0;
+
     /// Lets the field that is being typed in give its value to the session.
     virtual void commitEditing() = 0;
 

@@ -7,14 +7,36 @@
 
 namespace orvex {
 
+/// Where the folder cannot be locked at all, nobody else can either, and the stores say themselves what they cannot do.
+void OrvexModel::lockStores() {
+    if (access_ == SessionAccess::readOnly) {
+        return;
+    }
+    lock_ = SessionLock::acquire(OrvexQAWorkspace::directory());
+    if (lock_->state() == SessionLock::State::held) {
+        raiseRequests_.emplace(OrvexQAWorkspace::directory());
+        connect(&*raiseRequests_, &RaiseRequests::raiseRequested, this, [this] { services_.raiseWindow(); });
+    }
+}
+
+bool OrvexModel::isHeldByAnother() const {
+    return lock_ && lock_->state() == SessionLock::State::heldByAnother;
+}
+
+bool OrvexModel::isReadOnly() const {
+    return access_ == SessionAccess::readOnly || isHeldByAnother();
+}
+
 void OrvexModel::loadQueue() {
     const auto load = [this] {
         const LocalQueueStore queue(OrvexQAWorkspace::directory());
         jobs.set(queue.load());
-        store_ = queue;
-        queueAvailable.set(true);
-        defaultsURL_ = CanvasPreference::url(queue.directory());
-        canvasPreference_ = CanvasPreference::load(*defaultsURL_);
+        if (!isReadOnly()) {
+            store_ = queue;
+            queueAvailable.set(true);
+            defaultsURL_ = CanvasPreference::url(queue.directory());
+        }
+        canvasPreference_ = CanvasPreference::load(CanvasPreference::url(queue.directory()));
     };
     if (const auto failure = failureMessageOf(load)) {
         defaultsURL_.reset();
@@ -29,9 +51,11 @@ void OrvexModel::loadPresets() {
         const auto workspace = OrvexQAWorkspace::directory();
         const PresetStore presetStore(workspace ? std::optional(PresetStore::folderIn(*workspace)) : std::nullopt);
         presets.set(presetStore.load());
-        presetStore_ = presetStore;
-        presetsAvailable.set(true);
-        migrateDefaultCanvas();
+        if (!isReadOnly()) {
+            presetStore_ = presetStore;
+            presetsAvailable.set(true);
+            migrateDefaultCanvas();
+        }
         const auto bound = canvasPreference_ ? presetWithID(canvasPreference_->presetID) : std::nullopt;
         canvasDefaultName.set(bound ? std::optional(bound->name) : std::nullopt);
     };
@@ -44,7 +68,7 @@ void OrvexModel::loadPresets() {
 
 /// Carries the default preset forward to pages in inches, once. Raises what keeps it from that.
 void OrvexModel::migrateDefaultCanvas() {
-    if (access_ == SessionAccess::readOnly || !defaultsURL_) {
+    if (!defaultsURL_) {
         return;
     }
     QList<PrintPreset> migrated = presets();
@@ -56,7 +80,9 @@ void OrvexModel::loadJournal() {
     const auto load = [this] {
         const PrintJournalStore journal(OrvexQAWorkspace::directory());
         observations.set(journal.load());
-        journalStore_ = journal;
+        if (!isReadOnly()) {
+            journalStore_ = journal;
+        }
     };
     if (const auto failure = failureMessageOf(load)) {
         errorMessage.set(
@@ -68,7 +94,9 @@ void OrvexModel::loadBaseline() {
     const auto load = [this] {
         const ProtectedSettingsBaselineStore baseline(OrvexQAWorkspace::directory());
         protectedBaseline_ = baseline.load();
-        protectionStore_ = baseline;
+        if (!isReadOnly()) {
+            protectionStore_ = baseline;
+        }
     };
     if (failureMessageOf(load)) {
         protectionMessage.set(spt("无法读取设置基线，原文件已保留。",

@@ -57,8 +57,7 @@ void OrvexModel::compareProtectedSettings(const ProtectedSettingsSnapshot& curre
 
 /// The first capture with a known printer is what later ones are compared with.
 void OrvexModel::recordBaseline(const ProtectedSettingsSnapshot& current) {
-    const bool isReadOnly = access_ == SessionAccess::readOnly;
-    if (isReadOnly || !protectionStore_ || printerReadings().selectedPrinterName.isEmpty()) {
+    if (!protectionStore_ || printerReadings().selectedPrinterName.isEmpty()) {
         return;
     }
     if (const auto failure = failureMessageOf([&] { protectionStore_->save(current); })) {

@@ -68,6 +68,7 @@ public:
     QList<OpenFilesRequest> openRequests;
     QList<SaveFileRequest> saveRequests;
     QList<QUrl> revealed;
+    int raisedWindows = 0;
     QList<QUrl> opened;
     std::optional<QString> openingFailure;
     std::function<void()> onCommitEditing = [] {};
@@ -93,6 +94,8 @@ public:
         opened.append(application);
         co_return openingFailure;
     }
+
+    void raiseWindow() override { ++raisedWindows; }
 
     void commitEditing() override { onCommitEditing(); }
 
