@@ -2,6 +2,7 @@
 #include "CommandText.h"
 #include "Commands.h"
 #include "Interrupted.h"
+#include "NoDesktop.h"
 #include "OrvexModel.h"
 
 #include <QEventLoop>
@@ -9,26 +10,6 @@
 namespace orvex {
 
 namespace {
-
-/// A desktop without a user: every dialog is cancelled, nothing is opened or printed.
-class NoDesktop : public SessionServices {
-public:
-    [[nodiscard]] QList<QUrl> openFiles(const OpenFilesRequest&) override { return {}; }
-
-    [[nodiscard]] std::optional<QUrl> saveFile(const SaveFileRequest&) override { return std::nullopt; }
-
-    void revealFile(const QUrl&) override {}
-
-    [[nodiscard]] QCoro::Task<std::optional<QString>> openApplication(const QUrl&) override { co_return std::nullopt; }
-
-    void raiseWindow() override {}
-
-    void commitEditing() override {}
-
-    [[nodiscard]] std::unique_ptr<NativePrintOperation> prepareNativePrint(const NativePrintRequest&) override {
-        return nullptr; // nothing here asks for a print
-    }
-};
 
 /// One look at the printers, to its end or until a stop is requested.
 void lookAtPrinters(OrvexModel& session, const std::stop_token& stop) {
