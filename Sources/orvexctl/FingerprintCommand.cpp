@@ -1,13 +1,17 @@
 #include "CommandFiles.h"
 #include "CommandText.h"
 #include "Commands.h"
+#include "Files/ApplicationFolder.h"
 #include "Files/FileSystemError.h"
 #include "Files/Paths.h"
 #include "OrvexError.h"
 #include "OrvexLanguage.h"
+#include "OrvexQAWorkspace.h"
 #include "ProtectedSettingsBaseline.h"
 #include "SettingsPreservationService.h"
+#include "StoreChange.h"
 
+#include <QFileInfo>
 #include <QJsonObject>
 
 #include <cerrno>
@@ -64,6 +68,21 @@ void compareWithBaseline(const QString& path, const CommandContext& context) {
     printResult(SettingsPreservationService::compare(baseline, current).toJson());
 }
 
+/// Whether a file lies where the program keeps its own baseline.
+bool isInStores(const QString& path) {
+    const auto workspace = OrvexQAWorkspace::directory();
+    const QString stores = workspace ? platform::localPath(*workspace) : platform::applicationFolder();
+    return platform::isSameFile(QFileInfo(path).path(), stores);
+}
+
+void saveBaseline(const ProtectedSettingsSnapshot& snapshot, const QString& path) {
+    std::optional<StoreChange> change;
+    if (isInStores(path)) {
+        change.emplace();
+    }
+    ProtectedSettingsBaseline::save(snapshot, path);
+}
+
 void runFingerprint(const FingerprintOptions& options, const CommandContext& context) {
     if (options.paths.empty()) {
         compareWithBaseline(pathText(*options.baseline), context);
@@ -71,7 +90,7 @@ void runFingerprint(const FingerprintOptions& options, const CommandContext& con
     }
     const auto snapshot = SettingsPreservationService::capture(locations(options.paths), context.stop);
     if (options.isSaving) {
-        ProtectedSettingsBaseline::save(snapshot, platform::localPath(platform::fileUrl(pathText(*options.baseline))));
+        saveBaseline(snapshot, platform::localPath(platform::fileUrl(pathText(*options.baseline))));
     }
     printResult(snapshot.toJson());
 }

@@ -336,8 +336,11 @@ protected:
 
     QList<QStringList> changes() const {
         const QString id = firstID.toString(QUuid::WithoutBraces);
-        return {
-            {q("jobs"), q("remove"), id}, {q("presets"), q("delete"), id}, {q("presets"), q("import-icc"), profile_}};
+        return {{q("jobs"), q("remove"), id},
+                {q("presets"), q("delete"), id},
+                {q("presets"), q("import-icc"), profile_},
+                {q("fingerprint"), q("--baseline"), folder_.path(q("settings-preservation-baseline.json")), q("--save"),
+                 QStringLiteral("/etc/hostname")}};
     }
 
     QString profile_;

@@ -87,6 +87,16 @@ void OrvexModel::setBatchSizingPresented(bool value) {
     batchSizingPresented.set(value);
 }
 
+bool OrvexModel::canPresentBatchSizing() const {
+    return !busy() && !batchSizingPresented() && !rollLayout().items.isEmpty();
+}
+
+void OrvexModel::presentBatchSizing() {
+    if (canPresentBatchSizing()) {
+        setBatchSizingPresented(true);
+    }
+}
+
 void OrvexModel::dismissError() {
     errorMessage.set(std::nullopt);
 }

@@ -89,6 +89,10 @@ public:
 
     void setTab(int value);
     void setBatchSizingPresented(bool value);
+
+    /// Opens the panel for the sizes of many artworks, if it can be opened.
+    void presentBatchSizing();
+    [[nodiscard]] bool canPresentBatchSizing() const;
     void dismissError();
 
     /// Asks the work that goes on to end where it can; what is finished stays.
