@@ -1,6 +1,6 @@
 #include "SessionServices.h"
 
-#include <QCoroSignal>
+#include <QCoroTimer>
 #include <QMetaObject>
 #include <QTimer>
 
@@ -18,7 +18,7 @@ QCoro::Task<> SessionServices::sleep(std::chrono::nanoseconds duration, std::sto
     });
     timer.start();
     if (!stop.stop_requested()) {
-        co_await qCoro(&timer, &QTimer::timeout);
+        co_await timer;
     }
 }
 
