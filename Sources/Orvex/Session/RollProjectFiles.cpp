@@ -129,6 +129,7 @@ void OrvexModel::openLayoutFile(const QUrl& file) {
     }
     recordRollUndo();
     takeWorkspace(opened);
+    syncSelectedArtwork(); // also of an empty canvas, which has no sources to restore
     rollPreviewsRestored_ = false;
     clearColorConfirmation();
     if (!rollDocumentURL_ && !isReadOnly()) {
