@@ -1,5 +1,6 @@
 #include "BackgroundTask.h"
 
+#include <QCoreApplication>
 #include <QThread>
 
 #include <sys/resource.h>
@@ -14,10 +15,14 @@ namespace {
 constexpr int fewestUtilityThreads = 4;
 constexpr int fewestUserInitiatedThreads = 2;
 
-/// As many threads as the processor has, but no fewer than that.
+/// As many threads as the processor has, but no fewer than that. They end with the application object, before libraries
+/// take down what they keep for each thread.
 class Pool : public QThreadPool {
 public:
-    explicit Pool(int fewestThreads) { setMaxThreadCount(std::max(fewestThreads, QThread::idealThreadCount())); }
+    Pool(int fewestThreads, QtCleanUpFunction endThreads) {
+        setMaxThreadCount(std::max(fewestThreads, QThread::idealThreadCount()));
+        qAddPostRoutine(endThreads);
+    }
 };
 
 } // namespace
@@ -28,12 +33,12 @@ void lowerThreadPriority() {
 }
 
 QThreadPool& utilityPool() {
-    static Pool pool(fewestUtilityThreads);
+    static Pool pool(fewestUtilityThreads, [] { utilityPool().waitForDone(); });
     return pool;
 }
 
 QThreadPool& userInitiatedPool() {
-    static Pool pool(fewestUserInitiatedThreads);
+    static Pool pool(fewestUserInitiatedThreads, [] { userInitiatedPool().waitForDone(); });
     return pool;
 }
 
