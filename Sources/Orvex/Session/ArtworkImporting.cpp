@@ -10,6 +10,15 @@
 
 namespace orvex {
 
+namespace {
+
+/// The last component of a path, of a folder's, too.
+QString nameOf(const QUrl& file) {
+    return file.adjusted(QUrl::StripTrailingSlash).fileName();
+}
+
+} // namespace
+
 void OrvexModel::importRollArtworks() {
     if (busy()) {
         return;
@@ -40,7 +49,7 @@ QCoro::Task<> OrvexModel::runImport(QList<QUrl> files) {
                 const SessionProgress start =
                     SessionProgress::of(index, files.size(), spt("导入作品", "Adding artworks"));
                 message.set(spt("正在添加作品 %1/%2：%3", "Adding artwork %1/%2: %3")
-                                .arg(QString::number(index + 1), QString::number(files.size()), file.fileName()));
+                                .arg(QString::number(index + 1), QString::number(files.size()), nameOf(file)));
                 platform::throwIfStopped(operation.stopToken());
                 const QFuture<SharedImageMetadata> inspecting = inspect(file, start, operation);
                 const SharedImageMetadata metadata = co_await inspecting;
@@ -48,7 +57,7 @@ QCoro::Task<> OrvexModel::runImport(QList<QUrl> files) {
             } catch (const platform::Interrupted&) {
                 isCancelled = true;
             } catch (const std::exception& exception) {
-                failures.append(file.fileName() + u'：' + failureMessage(exception));
+                failures.append(nameOf(file) + u'：' + failureMessage(exception));
             }
         }
         finishImport(failures, isCancelled);

@@ -65,6 +65,13 @@ SessionOperation::~SessionOperation() {
     session_.busy.set(!session_.operations_.isEmpty());
 }
 
+void SessionOperation::requestStop() {
+    stop_.request_stop();
+    if (const auto shown = session_.progress()) {
+        show(*shown);
+    }
+}
+
 void SessionOperation::show(SessionProgress progress) {
     progress.isCancellable = isCancellable() && !stop_.stop_requested();
     session_.progress.set(progress);

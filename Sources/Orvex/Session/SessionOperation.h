@@ -27,7 +27,8 @@ public:
 
     [[nodiscard]] std::stop_token stopToken() const { return stop_.get_token(); }
 
-    void requestStop() { stop_.request_stop(); }
+    /// The progress, from then on, says that it cannot be cancelled: that is done.
+    void requestStop();
 
     /// Shows how far the work has come.
     void show(SessionProgress progress);
