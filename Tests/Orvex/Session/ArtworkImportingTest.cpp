@@ -1,6 +1,6 @@
+#include "BackgroundSteps.h"
 #include "InChinese.h"
 #include "Json/JsonWriter.h"
-#include "OneWorker.h"
 #include "SessionFixture.h"
 
 #include <QJsonArray>
@@ -226,14 +226,12 @@ TEST_F(Import, TakesAFileAsItIsWhenItsTurnComes) {
 
 TEST_F(Import, EndsWithTheSession) {
     const QUrl file = picture(QStringLiteral("a.png"), 120, 80);
-    {
-        const test::Barrier barrier;
-        model->importFiles({file, file});
-    }
-    model.reset();
+    test::Barrier barrier;
+    model->importFiles({file, file});
+    test::closeWhileHeld(model, barrier);
     start();
-    EXPECT_EQ(model->rollLayout().structureValidationError(), std::nullopt);
-    EXPECT_FALSE(model->busy());
+    EXPECT_TRUE(model->rollLayout().items.isEmpty());
+    EXPECT_EQ(model->errorMessage(), std::nullopt);
 }
 
 // Files that cannot be used

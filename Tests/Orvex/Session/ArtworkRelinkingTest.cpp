@@ -1,3 +1,4 @@
+#include "BackgroundSteps.h"
 #include "InChinese.h"
 #include "Json/JsonWriter.h"
 #include "SessionFixture.h"
@@ -127,11 +128,9 @@ TEST_F(Relink, ReplacesNothingIfTheArtworkIsGone) {
 
 TEST_F(Relink, EndsWithTheSession) {
     services.chosenFiles = {{larger}};
-    {
-        const test::Barrier barrier;
-        model->relinkSelectedArtwork();
-    }
-    model.reset();
+    test::Barrier barrier;
+    model->relinkSelectedArtwork();
+    test::closeWhileHeld(model, barrier);
     start();
     EXPECT_EQ(item().sourceURL, a);
 }

@@ -1,3 +1,4 @@
+#include "BackgroundSteps.h"
 #include "InChinese.h"
 #include "Json/JsonWriter.h"
 #include "SessionFixture.h"
@@ -230,13 +231,11 @@ TEST_F(Sources, AreRestoredAfterAnUndoThatBringsUnknownOnesBack) {
 
 TEST_F(Sources, AreLeftWhenTheSessionCloses) {
     startWithBoth();
-    {
-        const test::Barrier barrier;
-        model->restoreRollPreviews(false);
-    }
-    model.reset();
-    start();
-    EXPECT_EQ(model->rollLayout().items.size(), 2);
+    const QByteArray saved = test::TemporaryFolder::read(stored(QStringLiteral("roll-layout.json")));
+    test::Barrier barrier;
+    model->restoreRollPreviews(false);
+    test::closeWhileHeld(model, barrier);
+    EXPECT_EQ(test::TemporaryFolder::read(stored(QStringLiteral("roll-layout.json"))), saved);
 }
 
 // Giving up what nothing holds

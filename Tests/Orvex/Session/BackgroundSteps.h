@@ -1,15 +1,26 @@
 #pragma once
 
-#include "BackgroundTask.h"
+#include "SessionFixture.h"
 
 #include <QSemaphore>
 
 namespace orvex::test {
 
+/// Closes a session whose background work is held up, and lets go of the work when the session has asked it to stop.
+inline void closeWhileHeld(std::unique_ptr<OrvexModel>& session, Barrier& barrier) {
+    QMetaObject::invokeMethod(
+        QCoreApplication::instance(), [&barrier] { barrier.release(); }, Qt::QueuedConnection);
+    session.reset();
+}
+
 /// Lets one thread do all background work that somebody waits for, in the order in which it is started.
 class OneWorker {
 public:
-    OneWorker() { platform::userInitiatedPool().setMaxThreadCount(1); }
+    /// Waits for the end of what is being done.
+    OneWorker() {
+        platform::userInitiatedPool().waitForDone();
+        platform::userInitiatedPool().setMaxThreadCount(1);
+    }
 
     ~OneWorker() { platform::userInitiatedPool().setMaxThreadCount(threadCount_); }
 
