@@ -7,6 +7,7 @@
 #include "OrvexModel.h"
 #include "RollRendering.h"
 #include "SessionOperation.h"
+#include "SizeTexts.h"
 #include "StagedJobRecord.h"
 
 namespace orvex {
@@ -34,7 +35,7 @@ std::optional<QString> OrvexModel::colorPreflight() const {
                    "Choose an ICC that matches the printer, canvas and quality.");
     }
     for (const RollArtwork& item : rollLayout().items) {
-        const SharedImageMetadata metadata = artworkPreviews().value(item.id);
+        const SharedImageMetadata metadata = metadataFor(item);
         if (!metadata || !metadata->sourceColorProfile.isTagged()) {
             return spt("部分作品没有已确认的嵌入源 ICC，无法猜测其色彩空间。请添加源配置文件，或由佳能管理颜色。",
                        "Some artworks have no confirmed embedded source ICC. The colour space cannot be guessed. Add "
@@ -87,6 +88,7 @@ QCoro::Task<> OrvexModel::runStaging() {
             .layout = *job.rollLayout, .to = pdf, .workflow = *job.colorWorkflow, .outputICC = outputICC};
         const QFuture<QList<RollSourceAudit>> rendered = startRollRendering(rendering, rollPDFTitle(), operation);
         const QList<RollSourceAudit> audits = co_await rendered;
+        platform::throwIfStopped(operation.stopToken()); // nothing is staged before its record
         finishStagedJob(job, audits, services_.now());
         const QList<StagedJob> list = QList{job} + jobs();
         const QFuture<void> saving = platform::startUserInitiatedTask([store = *store_, list] { store.save(list); });
@@ -129,7 +131,7 @@ QCoro::Task<> OrvexModel::runExport(QUrl file) {
         static_cast<void>(co_await rendered);
         message.set(spt("已导出卷布 PDF：%1 × %2 英寸，包含手裁虚线。",
                         "Roll PDF exported: %1 × %2 in, including manual trim dashes.")
-                        .arg(rollWidthLabel(), rollLengthLabel()));
+                        .arg(inchesText(layout.widthInches), inchesText(layout.lengthInches())));
         services_.revealFile(file);
     } catch (const platform::Interrupted&) {
         message.set(spt("已取消导出，没有写入 PDF。", "The export was cancelled. No PDF was written."));

@@ -33,6 +33,7 @@ QString renderStageLabel(RollPDFRenderer::RenderStage stage) {
 
 QFuture<QList<RollSourceAudit>> startRollRendering(const RollRendering& rendering, const QString& title,
                                                    SessionOperation& operation) {
+    operation.show(sessionProgress({.artworkCount = rendering.layout.items.size()}));
     const auto report = operation.report();
     return platform::startUserInitiatedTask([rendering, title, stop = operation.stopToken(), report] {
         return RollPDFRenderer::render(
