@@ -24,7 +24,8 @@ QString inFileName(QString text) {
 /// A file name without what stands behind its last full stop, if there is something on both sides of it.
 QString withoutExtension(const QString& name) {
     const qsizetype point = name.lastIndexOf(u'.');
-    const bool isExtension = point > 0 && point + 1 < name.size() && !QStringView(name).mid(point).contains(u' ');
+    const QStringView extension = point > 0 ? QStringView(name).sliced(point + 1) : QStringView();
+    const bool isExtension = !extension.isEmpty() && !extension.contains(u' ') && !extension.contains(u'/');
     return isExtension ? name.left(point) : name;
 }
 
