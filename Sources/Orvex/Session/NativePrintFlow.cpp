@@ -78,6 +78,7 @@ QCoro::Task<> OrvexModel::runCurrentPrint() {
             startRollRendering(rendering, spt("orvex · 卷布排版", "orvex · Roll layout"), operation);
         static_cast<void>(co_await rendered);
         co_await requireFreshNativePrintReadiness(queue);
+        platform::throwIfStopped(operation.stopToken()); // no window for a print that was cancelled
         const auto prepared = services_.prepareNativePrint(
             {.pdfURL = pdf,
              .queueName = queue,
@@ -116,6 +117,7 @@ QCoro::Task<> OrvexModel::runSavedPrint(StagedJob job, QString queue) {
     std::optional<QString> failure;
     try {
         co_await requireFreshNativePrintReadiness(queue);
+        platform::throwIfStopped(operation.stopToken());
         const auto prepared = services_.prepareNativePrint({.pdfURL = store_->pdfURL(job),
                                                             .queueName = queue,
                                                             .jobTitle = job.title,
