@@ -39,7 +39,7 @@ OrvexModel::~OrvexModel() {
     }
     // What runs in the background comes back to this object, and must find it.
     QEventLoop loop;
-    while (busy() || refreshing() || isRefreshLoopRunning_) {
+    while (busy() || refreshing() || refreshLoopCount_ > 0) {
         loop.processEvents(QEventLoop::WaitForMoreEvents);
     }
 }

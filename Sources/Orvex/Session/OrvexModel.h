@@ -295,7 +295,7 @@ private:
     QList<SessionOperation*> operations_; ///< that make the session busy
     std::stop_source closing_;
     std::stop_source refreshLoop_;
-    bool isRefreshLoopRunning_ = false;
+    int refreshLoopCount_ = 0; ///< with those that were stopped and have not ended
 
     RollHistory rollHistory_;
     OneStepEdit rollKeyboardInitialLayout_;

@@ -5,15 +5,17 @@
 #include "OrvexModel.h"
 
 #include <QFileInfo>
+#include <QPointer>
+#include <QScopeGuard>
 
 namespace orvex {
 
 void OrvexModel::startRefreshing() {
-    if (isRefreshLoopRunning_) {
+    const bool isRunning = refreshLoopCount_ > 0 && !refreshLoop_.stop_requested();
+    if (isRunning) {
         return;
     }
-    isRefreshLoopRunning_ = true;
-    refreshLoop_ = std::stop_source();
+    refreshLoop_ = std::stop_source(); // one that was stopped may still be in its last pass
     runRefreshing();
 }
 
@@ -23,12 +25,13 @@ void OrvexModel::stopRefreshing() {
 
 QCoro::Task<> OrvexModel::runRefreshing() {
     const std::stop_token stop = refreshLoop_.get_token();
+    ++refreshLoopCount_;
+    const auto whenEnded = qScopeGuard([this] { --refreshLoopCount_; });
     co_await restoreRollPreviews(false);
     while (!stop.stop_requested()) {
         co_await refresh();
         co_await services_.sleep(refreshInterval, stop);
     }
-    isRefreshLoopRunning_ = false;
 }
 
 QCoro::Task<> OrvexModel::refresh() {
@@ -166,8 +169,9 @@ void OrvexModel::openCanonMonitor() {
 }
 
 QCoro::Task<> OrvexModel::runMonitor(QUrl application) {
+    const QPointer<OrvexModel> session(this); // starting an application takes its time, and nobody waits for it
     const std::optional<QString> failure = co_await services_.openApplication(application);
-    if (failure) {
+    if (session && failure) {
         errorMessage.set(failure);
     }
 }

@@ -37,6 +37,11 @@ public:
 
     [[nodiscard]] const std::optional<QUrl>& defaultsURL() const { return session_.defaultsURL_; }
 
+    [[nodiscard]] bool isCanvasApplied() const { return session_.canvasApplied_; }
+
+    /// Starts an application that stands in a place of no other kind of machine.
+    void openMonitor(const QUrl& application) { session_.runMonitor(application); }
+
     [[nodiscard]] bool hasBaseline() const { return session_.protectedBaseline_.has_value(); }
 
 private:
