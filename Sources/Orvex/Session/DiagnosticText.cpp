@@ -88,7 +88,7 @@ QStringList canvasLines(const OrvexModel& session) {
                  QString::number(session.rollLayout().items.size())),
         colorLine(form.colorWorkflow),
         spt("ICC：%1 / %2", "ICC: %1 / %2").arg(form.icc ? form.icc->name : spt("未选择", "Not selected"), sha256),
-        spt("源图像：%1", "Source image: %1")
+        spt("原图：%1", "Source image: %1")
             .arg(session.image() ? session.image()->sourceColorProfile.displayName() : spt("未导入", "Not imported")),
         spt("维护墨盒和打印头：CUPS 未提供数据时为未知。空闲状态不代表硬件正常。",
             "Maintenance cartridge and printhead: unknown when CUPS exposes no data. Idle does not confirm hardware "
