@@ -143,9 +143,10 @@ void OrvexModel::savePreset(bool asNew) {
     const auto old = asNew ? std::nullopt : selectedPreset();
     const PrintPreset preset =
         presetForm().preset(old ? old->id : QUuid::createUuid(), old ? old->createdAt : now, now);
+    QString storedName;
     QList<PrintPreset> stored;
     const auto save = [&] {
-        presetStore_->save(preset);
+        storedName = presetStore_->save(preset).name;
         stored = presetStore_->load();
     };
     if (const auto failure = failureMessageOf(save)) {
@@ -155,7 +156,7 @@ void OrvexModel::savePreset(bool asNew) {
     presets.set(stored);
     updateForm([&](PresetForm& form) { form.selectedPresetID = platform::uuidText(preset.id); });
     if (canvasPreference_ && canvasPreference_->presetID == preset.id) {
-        canvasDefaultName.set(selectedPreset()->name);
+        canvasDefaultName.set(storedName);
     }
     message.set(spt("已保存纸张、尺寸、ICC 和质量选择。预设不包含裁切设置。",
                     "Paper, size, ICC and quality choices were saved. Presets do not contain cutting settings."));
