@@ -163,6 +163,10 @@ void PrivateScheduler::addQueue(const QString& queue, Kind kind, Printer printer
                  QStringList{QStringLiteral("-p"), queue, QStringLiteral("-E"), QStringLiteral("-v"), device} + model);
 }
 
+void PrivateScheduler::deleteQueue(const QString& queue) {
+    outputOfTool(QStringLiteral("/usr/sbin/lpadmin"), {QStringLiteral("-x"), queue});
+}
+
 void PrivateScheduler::pause(const QString& queue, const QString& reason) {
     outputOfTool(QStringLiteral("/usr/sbin/cupsdisable"), {QStringLiteral("-r"), reason, queue});
 }

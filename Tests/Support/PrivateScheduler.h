@@ -45,6 +45,8 @@ public:
     /// Adds a queue that is enabled and accepts jobs.
     void addQueue(const QString& queue, Kind kind = Kind::wide, Printer printer = Printer::prints);
 
+    void deleteQueue(const QString& queue);
+
     void pause(const QString& queue, const QString& reason);
     void enable(const QString& queue);
     void reject(const QString& queue, const QString& reason);
