@@ -3,7 +3,7 @@
 #include "FolderContent.h"
 #include "ForkedWork.h"
 #include "Layout/RollWorkspaceFile.h"
-#include "OrvexModel.h"
+#include "NoDesktop.h"
 #include "TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -15,25 +15,8 @@
 namespace orvex {
 namespace {
 
+using test::NoDesktop;
 using test::TemporaryFolder;
-
-/// A desktop that nobody sits at.
-class NoDesktop : public SessionServices {
-public:
-    [[nodiscard]] QList<QUrl> openFiles(const OpenFilesRequest&) override { return {}; }
-
-    [[nodiscard]] std::optional<QUrl> saveFile(const SaveFileRequest&) override { return std::nullopt; }
-
-    void revealFile(const QUrl&) override {}
-
-    [[nodiscard]] QCoro::Task<std::optional<QString>> openApplication(const QUrl&) override { co_return std::nullopt; }
-
-    void commitEditing() override {}
-
-    [[nodiscard]] std::unique_ptr<NativePrintOperation> prepareNativePrint(const NativePrintRequest&) override {
-        return nullptr;
-    }
-};
 
 // Edits by number, from 1 on, and what the canvas has to be after each of them
 

@@ -69,7 +69,10 @@ TEST_F(Gesture, CannotBeginTwice) {
     const RollLayout before = model->rollLayout();
     model->beginArrangeGesture();
     model->dragArtwork(idOf(0), 30.0, 0.0);
+    model->resizeArtworkGesture(idOf(0), 24.0);
+    model->resizeArtworkGesture(idOf(0), 12.0);
     expectNothing([this] { model->beginArrangeGesture(); });
+    EXPECT_EQ(model->rollGestureFrameLength(), 21.0);
     model->endArrangeGesture();
     EXPECT_EQ(lastStep(), before);
 }
