@@ -63,10 +63,10 @@ void OrvexModel::takeMetadata(const QUuid& id, const SharedImageMetadata& metada
 }
 
 QCoro::Task<> OrvexModel::restoreRollPreviews(bool force) {
-    if (rollPreviewsRestored_ && !force) {
+    if (rollPreviewsRestored && !force) {
         co_return;
     }
-    rollPreviewsRestored_ = true;
+    rollPreviewsRestored = true;
     if (rollLayout().items.isEmpty()) {
         co_return;
     }
@@ -119,7 +119,7 @@ void OrvexModel::pruneRollPreviews() {
     for (auto each = sizingDescriptions().keyBegin(); each != sizingDescriptions().keyEnd(); ++each) {
         known.insert(QUuid(*each));
     }
-    const QSet<QUuid> kept = current + rollHistory_.heldIDs(known - current);
+    const QSet<QUuid> kept = current + rollHistory.heldIDs(known - current);
     artworkPreviews.removeIf([&](const auto& each) { return !kept.contains(each.key()); });
     sizingDescriptions.removeIf([&](const auto& each) {
         const QUuid id(each.key());

@@ -31,17 +31,10 @@ QString describeOptions(const std::optional<PrinterSnapshot>& printer) {
 }
 
 QString describeObservation(const PrintObservation& observation) {
-    const QString start = spt("%1 第%2张 %3", "%1 Print %2 %3")
-                              .arg(dateText(observation.createdAt), QString::number(observation.sequenceNumber),
-                                   label(observation.result));
-    const QStringList parts{start,
-                            observation.artwork,
-                            observation.media,
-                            observation.preset,
-                            observation.colorMode,
-                            QStringLiteral("ICC=") + observation.iccSHA256.value_or(none()),
-                            observation.note};
-    return parts.join(QStringLiteral(" | "));
+    return spt("%1 第%2张 %3 | %4 | %5 | %6 | %7 | ICC=%8 | %9", "%1 Print %2 %3 | %4 | %5 | %6 | %7 | ICC=%8 | %9")
+        .arg(dateText(observation.createdAt), QString::number(observation.sequenceNumber), label(observation.result),
+             observation.artwork, observation.media, observation.preset, observation.colorMode,
+             observation.iccSHA256.value_or(none()), observation.note);
 }
 
 QString describeObservations(const QList<PrintObservation>& observations) {

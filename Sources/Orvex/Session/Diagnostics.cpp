@@ -36,7 +36,7 @@ void OrvexModel::setObservationForm(const ObservationForm& form) {
 }
 
 void OrvexModel::recordObservation() {
-    if (!journalStore_) {
+    if (!journalStore) {
         errorMessage.set(spt("实物观察记录不可用，现有记录未被覆盖。",
                              "Observation storage is unavailable. Existing records were not overwritten."));
         return;
@@ -46,9 +46,9 @@ void OrvexModel::recordObservation() {
     // What stands for nothing is data, not a label: it is Chinese in every language.
     PrintObservation observation{.id = QUuid::createUuid(),
                                  .createdAt = services_.now(),
-                                 .sequenceNumber = observationForm().sequence,
-                                 .result = observationForm().result,
-                                 .note = observationForm().note,
+                                 .sequenceNumber = observationForm().observationSequence,
+                                 .result = observationForm().observationResult,
+                                 .note = observationForm().observationNote,
                                  .artwork = image() ? image()->url.fileName() : QStringLiteral("未指定作品"),
                                  .media = choices.mediaName,
                                  .preset = preset ? preset->name : QStringLiteral("自定义"),
@@ -57,13 +57,13 @@ void OrvexModel::recordObservation() {
         observation.iccSHA256 = choices.iccAsset->sha256;
     }
     QList<PrintObservation> recorded;
-    if (const auto failure = failureMessageOf([&] { recorded = journalStore_->append(observation); })) {
+    if (const auto failure = failureMessageOf([&] { recorded = journalStore->append(observation); })) {
         errorMessage.set(failure);
         return;
     }
     observations.set(recorded);
     ObservationForm next = observationForm();
-    ++next.sequence;
+    ++next.observationSequence;
     observationForm.set(next); // the result and the note stay, so that a series is quickly typed
     message.set(spt("已记录实物观察。本地排队或空闲状态不代表打印成功。",
                     "The physical observation was recorded. Local queuing or an idle status does not count as a "

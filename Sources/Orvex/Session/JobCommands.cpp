@@ -32,7 +32,7 @@ QString withoutExtension(const QString& name) {
 } // namespace
 
 void OrvexModel::exportJob(const StagedJob& job) {
-    if (busy() || !store_) {
+    if (busy() || !store) {
         return;
     }
     const auto file =
@@ -52,7 +52,7 @@ QCoro::Task<> OrvexModel::runJobExport(StagedJob job, QUrl file) {
     };
     try {
         const QFuture<void> copying =
-            platform::startUserInitiatedTask([store = *store_, job, file, show, stop = operation.stopToken()] {
+            platform::startUserInitiatedTask([store = *store, job, file, show, stop = operation.stopToken()] {
                 store.exportPDF(job, file, show, stop);
             });
         co_await copying;
@@ -65,13 +65,13 @@ QCoro::Task<> OrvexModel::runJobExport(StagedJob job, QUrl file) {
 }
 
 void OrvexModel::removeJob(const StagedJob& job) {
-    if (busy() || !store_) {
+    if (busy() || !store) {
         return;
     }
     QList<StagedJob> remaining = jobs();
     remaining.removeIf([&](const StagedJob& each) { return each.id == job.id; });
     bool isPDFDeleted = false;
-    if (const auto failure = failureMessageOf([&] { isPDFDeleted = store_->remove(job, remaining); })) {
+    if (const auto failure = failureMessageOf([&] { isPDFDeleted = store->remove(job, remaining); })) {
         errorMessage.set(failure);
         return;
     }

@@ -22,7 +22,7 @@ QString selectPrinterFirst() {
 } // namespace
 
 bool OrvexModel::canPrintCurrent() const {
-    if (busy() || batchSizingPresented() || nativePrintRequestPending_ ||
+    if (busy() || batchSizingPresented() || nativePrintRequestPending ||
         printerReadings().selectedPrinterName.isEmpty() || rollExportIssue()) {
         return false;
     }
@@ -35,14 +35,14 @@ std::optional<NativePrintReadinessAssessment> OrvexModel::cachedNativePrintReadi
 }
 
 void OrvexModel::printCurrentRoll() {
-    if (busy() || batchSizingPresented() || nativePrintRequestPending_) {
+    if (busy() || batchSizingPresented() || nativePrintRequestPending) {
         return;
     }
-    nativePrintRequestPending_ = true;
+    nativePrintRequestPending = true;
     services_.commitEditing();
     // A turn later, so that what the field held has reached the layout.
     later([this] {
-        nativePrintRequestPending_ = false;
+        nativePrintRequestPending = false;
         prepareCurrentRollForPrinting();
     });
 }
@@ -100,7 +100,7 @@ QCoro::Task<> OrvexModel::runCurrentPrint() {
 }
 
 void OrvexModel::printSavedJob(const StagedJob& job) {
-    if (busy() || batchSizingPresented() || !store_) {
+    if (busy() || batchSizingPresented() || !store) {
         return;
     }
     const QString& selected = printerReadings().selectedPrinterName;
@@ -118,7 +118,7 @@ QCoro::Task<> OrvexModel::runSavedPrint(StagedJob job, QString queue) {
     try {
         co_await requireFreshNativePrintReadiness(queue);
         platform::throwIfStopped(operation.stopToken());
-        const auto prepared = services_.prepareNativePrint({.pdfURL = store_->pdfURL(job),
+        const auto prepared = services_.prepareNativePrint({.pdfURL = store->pdfURL(job),
                                                             .queueName = queue,
                                                             .jobTitle = job.title,
                                                             .widthInches = PrintUnits::inches(job.settings.widthMM),

@@ -8,9 +8,9 @@ namespace orvex {
 
 /// The form of the journal of physical prints. Plain value.
 struct ObservationForm {
-    PrintObservationResult result = PrintObservationResult::purple;
-    qint64 sequence = 1;
-    QString note = {};
+    PrintObservationResult observationResult = PrintObservationResult::purple;
+    qint64 observationSequence = 1;
+    QString observationNote = {};
 
     bool operator==(const ObservationForm&) const = default;
 };

@@ -1,19 +1,14 @@
 #pragma once
 
-#include "CanvasPreference.h"
 #include "Layout/QuarterInchArtworkSizing.h"
 #include "Layout/RollKeyboardNudge.h"
 #include "Layout/RollWorkspaceFile.h"
 #include "MachineReadings.h"
-#include "OneStepEdit.h"
 #include "PreviewStore.h"
-#include "ProtectedSettingsBaseline.h"
 #include "RaiseRequests.h"
-#include "RollHistory.h"
 #include "SessionFields.h"
 #include "SessionLock.h"
 #include "SessionServices.h"
-#include "Stores/PresetStore.h"
 
 #include <QCoroFuture>
 #include <QCoroTask>
@@ -297,22 +292,7 @@ private:
     std::stop_source refreshLoop_;
     int refreshLoopCount_ = 0; ///< with those that were stopped and have not ended
 
-    RollHistory rollHistory_;
-    OneStepEdit rollKeyboardInitialLayout_;
-    OneStepEdit rollGestureInitialLayout_;
-    std::optional<QUrl> rollDocumentURL_; ///< what autosave writes; absent means that autosave is off
-    bool rollPreviewsRestored_ = false;
-    bool nativePrintRequestPending_ = false;
     std::shared_ptr<PreviewStore> previewStore_;
-
-    std::optional<LocalQueueStore> store_;
-    std::optional<PresetStore> presetStore_;
-    std::optional<PrintJournalStore> journalStore_;
-    std::optional<ProtectedSettingsBaselineStore> protectionStore_;
-    std::optional<ProtectedSettingsSnapshot> protectedBaseline_;
-    std::optional<CanvasPreference> canvasPreference_;
-    std::optional<QUrl> defaultsURL_; ///< of the default binding
-    bool canvasApplied_ = false;      ///< the default preset was applied for this printer
 };
 
 } // namespace orvex

@@ -52,14 +52,14 @@ void OrvexModel::inspectICC() {
     const QList<QUrl> files = services_.openFiles(
         {.title = spt("导入与画布和质量匹配的输出 ICC", "Import an output ICC matching your canvas and quality"),
          .kind = FileKind::outputProfile});
-    if (files.isEmpty() || !presetStore_) {
+    if (files.isEmpty() || !presetStore) {
         return;
     }
     std::optional<OutputICCProfile> profile;
     std::optional<ManagedICCAsset> asset;
     const auto import = [&] {
         profile = OutputICCProfile::inspect(files.first());
-        asset = presetStore_->importICC(files.first());
+        asset = presetStore->importICC(files.first());
     };
     if (const auto failure = failureMessageOf(import)) {
         errorMessage.set(failure);
@@ -88,8 +88,8 @@ void OrvexModel::clearICC() {
 /// Takes over the choices of a preset; whether it could be done. A preset whose profile is gone changes nothing.
 bool OrvexModel::applyPreset(const PrintPreset& preset, bool resizeArtwork) {
     std::optional<OutputICCProfile> profile;
-    if (preset.iccAsset && presetStore_) {
-        const auto inspect = [&] { profile = OutputICCProfile::inspect(presetStore_->resolveICC(*preset.iccAsset)); };
+    if (preset.iccAsset && presetStore) {
+        const auto inspect = [&] { profile = OutputICCProfile::inspect(presetStore->resolveICC(*preset.iccAsset)); };
         if (const auto failure = failureMessageOf(inspect)) {
             errorMessage.set(failure);
             return false;
@@ -129,7 +129,7 @@ void OrvexModel::choosePreset(const QString& id) {
 }
 
 void OrvexModel::savePreset(bool asNew) {
-    if (!presetStore_) {
+    if (!presetStore) {
         return;
     }
     const QString& quality = presetForm().qualityChoice;
@@ -146,8 +146,8 @@ void OrvexModel::savePreset(bool asNew) {
     QString storedName;
     QList<PrintPreset> stored;
     const auto save = [&] {
-        storedName = presetStore_->save(preset).name;
-        stored = presetStore_->load();
+        storedName = presetStore->save(preset).name;
+        stored = presetStore->load();
     };
     if (const auto failure = failureMessageOf(save)) {
         errorMessage.set(failure);
@@ -155,7 +155,7 @@ void OrvexModel::savePreset(bool asNew) {
     }
     presets.set(stored);
     updateForm([&](PresetForm& form) { form.selectedPresetID = platform::uuidText(preset.id); });
-    if (canvasPreference_ && canvasPreference_->presetID == preset.id) {
+    if (canvasPreference && canvasPreference->presetID == preset.id) {
         canvasDefaultName.set(storedName);
     }
     message.set(spt("已保存纸张、尺寸、ICC 和质量选择。预设不包含裁切设置。",
@@ -164,16 +164,16 @@ void OrvexModel::savePreset(bool asNew) {
 
 void OrvexModel::deletePreset() {
     const auto selected = selectedPreset();
-    if (!selected || !presetStore_) {
+    if (!selected || !presetStore) {
         return;
     }
     QList<PrintPreset> stored;
     const auto remove = [&] {
-        orvex::deletePreset(selected->id, *presetStore_, defaultsURL_, canvasPreference_);
-        stored = presetStore_->load();
+        orvex::deletePreset(selected->id, *presetStore, defaultsURL, canvasPreference);
+        stored = presetStore->load();
     };
     const auto failure = failureMessageOf(remove);
-    if (!canvasPreference_) {
+    if (!canvasPreference) {
         canvasDefaultName.set(std::nullopt); // the binding goes first, and may be gone where the preset is not
     }
     if (failure) {
@@ -188,16 +188,16 @@ void OrvexModel::deletePreset() {
 void OrvexModel::bindCanvasDefault() {
     const auto selected = selectedPreset();
     const QString& printer = printerReadings().selectedPrinterName;
-    if (!selected || !defaultsURL_ || printer.isEmpty()) {
+    if (!selected || !defaultsURL || printer.isEmpty()) {
         errorMessage.set(spt("请先保存本地预设并选择打印机。", "Save a local preset and select a printer first."));
         return;
     }
     const CanvasPreference preference{.printerName = printer, .presetID = selected->id};
-    if (const auto failure = failureMessageOf([&] { preference.save(*defaultsURL_); })) {
+    if (const auto failure = failureMessageOf([&] { preference.save(*defaultsURL); })) {
         errorMessage.set(failure);
         return;
     }
-    canvasPreference_ = preference;
+    canvasPreference = preference;
     canvasDefaultName.set(selected->name);
     message.set(spt("下次将自动载入此画布预设。面板介质和裁切仍由现有设置控制。",
                     "This canvas preset will load automatically next time. Existing settings still control panel media "

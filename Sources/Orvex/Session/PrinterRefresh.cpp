@@ -90,18 +90,17 @@ void OrvexModel::forgetPrinterChoices() {
         form.settings.driverPageSize.clear();
     });
     clearColorConfirmation();
-    canvasApplied_ = false;
+    canvasApplied = false;
 }
 
 /// Loads the preset that is bound to the selected printer, once for each selection.
 void OrvexModel::applyDefaultPreset() {
-    if (canvasApplied_ || !canvasPreference_ ||
-        canvasPreference_->printerName != printerReadings().selectedPrinterName) {
+    if (canvasApplied || !canvasPreference || canvasPreference->printerName != printerReadings().selectedPrinterName) {
         return;
     }
-    const auto bound = presetWithID(canvasPreference_->presetID);
+    const auto bound = presetWithID(canvasPreference->presetID);
     if (bound && applyPreset(*bound, false)) {
-        canvasApplied_ = true;
+        canvasApplied = true;
         message.set(spt("已自动载入本地画布预设。打印机面板和佳能设置保持不变。",
                         "The local canvas preset was loaded automatically. Printer panel and Canon settings are "
                         "unchanged."));

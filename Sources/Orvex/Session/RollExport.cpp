@@ -56,10 +56,10 @@ std::optional<QByteArray> OrvexModel::outputICCData(const ColorWorkflow& workflo
     if (workflow.mode != ColorManagementMode::appManaged) {
         return std::nullopt;
     }
-    if (!asset || !presetStore_) {
+    if (!asset || !presetStore) {
         throw OrvexError::invalid(spt("缺少输出 ICC。", "An output ICC is missing."));
     }
-    return readManagedICC(*presetStore_, *asset);
+    return readManagedICC(*presetStore, *asset);
 }
 
 /// Tells why the roll cannot go, if it cannot.
@@ -72,7 +72,7 @@ bool OrvexModel::refusesExport() {
 }
 
 void OrvexModel::stageRollPDF() {
-    if (busy() || !store_ || refusesExport()) {
+    if (busy() || !store || refusesExport()) {
         return;
     }
     runStaging();
@@ -81,7 +81,7 @@ void OrvexModel::stageRollPDF() {
 QCoro::Task<> OrvexModel::runStaging() {
     SessionOperation operation(*this, SessionOperation::Cancelling::possible);
     StagedJob job = stagedJob(rollLayout(), presetForm(), selectedPreset(), printerReadings().selectedPrinterName);
-    const QUrl pdf = store_->pdfURL(job);
+    const QUrl pdf = store->pdfURL(job);
     try {
         const std::optional<QByteArray> outputICC = outputICCData(*job.colorWorkflow, presetForm().iccAsset);
         const RollRendering rendering{
@@ -91,7 +91,7 @@ QCoro::Task<> OrvexModel::runStaging() {
         platform::throwIfStopped(operation.stopToken()); // nothing is staged before its record
         finishStagedJob(job, audits, services_.now());
         const QList<StagedJob> list = QList{job} + jobs();
-        const QFuture<void> saving = platform::startUserInitiatedTask([store = *store_, list] { store.save(list); });
+        const QFuture<void> saving = platform::startUserInitiatedTask([store = *store, list] { store.save(list); });
         co_await saving;
         jobs.set(list);
         message.set(spt("已生成包含 %1 幅作品和裁剪虚线的卷布 PDF，尚未发送到打印机。",

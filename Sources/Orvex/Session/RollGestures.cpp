@@ -31,7 +31,7 @@ void OrvexModel::beginArrangeGesture() {
         return;
     }
     endKeyboardNudge();
-    rollGestureInitialLayout_.begin(rollLayout());
+    rollGestureInitialLayout.begin(rollLayout());
     rollGestureFrameLength.set(rollLayout().lengthInches());
     arrangingGesture.set(true);
 }
@@ -49,7 +49,7 @@ void OrvexModel::dragArtwork(const QUuid& id, double x, double y) {
         y = snapped(y);
     }
     // The canvas must not grow below the pointer.
-    const RollLayout& measure = rollGestureInitialLayout_.initialLayout().value_or(rollLayout());
+    const RollLayout& measure = rollGestureInitialLayout.initialLayout().value_or(rollLayout());
     y = RollInteraction::constrainedMoveY(y, item->trimRectInches().height, measure.lengthInches());
     RollLayout moved = rollLayout();
     if (const auto failure = failureMessageOf([&] { moved.move(id, x, y); })) {
@@ -84,7 +84,7 @@ void OrvexModel::endArrangeGesture() {
     if (!arrangingGesture()) {
         return;
     }
-    if (const auto step = rollGestureInitialLayout_.end(rollLayout())) {
+    if (const auto step = rollGestureInitialLayout.end(rollLayout())) {
         recordRollUndo(step);
     }
     rollGestureFrameLength.set(std::nullopt);
@@ -97,8 +97,8 @@ void OrvexModel::nudgeSelectedArtwork(RollNudgeDirection direction, bool acceler
     if (isGestureLocked() || tab() != 0 || !selected) {
         return;
     }
-    rollKeyboardInitialLayout_.begin(rollLayout());
-    const double canvasLength = rollKeyboardInitialLayout_.initialLayout()->lengthInches();
+    rollKeyboardInitialLayout.begin(rollLayout());
+    const double canvasLength = rollKeyboardInitialLayout.initialLayout()->lengthInches();
     RollLayout nudged = rollLayout();
     bool isChanged = false;
     const auto nudge = [&] { isChanged = nudged.nudge(selected->id, direction, accelerated, canvasLength); };
@@ -118,7 +118,7 @@ void OrvexModel::nudgeSelectedArtwork(RollNudgeDirection direction, bool acceler
 }
 
 void OrvexModel::endKeyboardNudge() {
-    recordStep(rollKeyboardInitialLayout_.end(rollLayout()));
+    recordStep(rollKeyboardInitialLayout.end(rollLayout()));
 }
 
 void OrvexModel::requestKeyboardFocus() {

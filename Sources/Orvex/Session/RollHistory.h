@@ -14,9 +14,10 @@ class RollHistory {
 public:
     static constexpr qsizetype mostSteps = 80;
 
-    [[nodiscard]] bool isUndoAvailable() const { return !rollUndo_.isEmpty(); }
+    /// The steps, the newest last.
+    [[nodiscard]] const QList<RollLayout>& rollUndo() const { return rollUndo_; }
 
-    [[nodiscard]] bool isRedoAvailable() const { return !rollRedo_.isEmpty(); }
+    [[nodiscard]] const QList<RollLayout>& rollRedo() const { return rollRedo_; }
 
     /// Adds a step; the oldest goes beyond `mostSteps`, and there is nothing to redo any more.
     void record(const RollLayout& layout);
@@ -31,7 +32,7 @@ public:
     [[nodiscard]] QSet<QUuid> heldIDs(const QSet<QUuid>& ids) const;
 
 private:
-    QList<RollLayout> rollUndo_; // the newest last
+    QList<RollLayout> rollUndo_;
     QList<RollLayout> rollRedo_;
 };
 

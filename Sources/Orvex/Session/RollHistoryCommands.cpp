@@ -5,9 +5,9 @@
 namespace orvex {
 
 void OrvexModel::recordRollUndo(const std::optional<RollLayout>& layout) {
-    rollHistory_.record(layout.value_or(rollLayout()));
-    rollUndoAvailable.set(rollHistory_.isUndoAvailable());
-    rollRedoAvailable.set(rollHistory_.isRedoAvailable());
+    rollHistory.record(layout.value_or(rollLayout()));
+    rollUndoAvailable.set(!rollHistory.rollUndo().isEmpty());
+    rollRedoAvailable.set(!rollHistory.rollRedo().isEmpty());
 }
 
 /// Records the layout that a series of changes began with, and saves what became of it.
@@ -23,7 +23,7 @@ void OrvexModel::undoRollEdit() {
     if (busy()) {
         return;
     }
-    if (const auto layout = rollHistory_.undo(rollLayout())) {
+    if (const auto layout = rollHistory.undo(rollLayout())) {
         applyHistoryStep(*layout);
     }
 }
@@ -33,7 +33,7 @@ void OrvexModel::redoRollEdit() {
     if (busy()) {
         return;
     }
-    if (const auto layout = rollHistory_.redo(rollLayout())) {
+    if (const auto layout = rollHistory.redo(rollLayout())) {
         applyHistoryStep(*layout);
     }
 }
@@ -43,8 +43,8 @@ void OrvexModel::applyHistoryStep(const RollLayout& layout) {
     selectKnown(selectedArtworkID());
     clearColorConfirmation();
     syncSelectedArtwork();
-    rollUndoAvailable.set(rollHistory_.isUndoAvailable());
-    rollRedoAvailable.set(rollHistory_.isRedoAvailable());
+    rollUndoAvailable.set(!rollHistory.rollUndo().isEmpty());
+    rollRedoAvailable.set(!rollHistory.rollRedo().isEmpty());
     persistRollLayout();
     // The layout may hold artworks whose sources are no longer known.
     later([this] { restoreRollPreviews(true); });

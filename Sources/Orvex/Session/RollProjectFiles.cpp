@@ -50,10 +50,10 @@ void OrvexModel::takeWorkspace(const RollWorkspaceFile& file) {
 
 void OrvexModel::persistRollLayout() {
     pruneRollPreviews();
-    if (!rollDocumentURL_) {
+    if (!rollDocumentURL) {
         return;
     }
-    const auto failure = failureMessageOf([this] { writeWorkspace(workspaceFile(), *rollDocumentURL_); });
+    const auto failure = failureMessageOf([this] { writeWorkspace(workspaceFile(), *rollDocumentURL); });
     rollSaveMessage.set(failure ? spt("排版未保存：%1", "Layout not saved: %1").arg(*failure) : autosaved());
 }
 
@@ -65,7 +65,7 @@ void OrvexModel::loadSavedRollLayout() {
             takeWorkspace(decodeWorkspace(*bytes));
         }
         if (!isReadOnly()) {
-            rollDocumentURL_ = file;
+            rollDocumentURL = file;
         }
     };
     if (const auto failure = failureMessageOf(load)) {
@@ -94,8 +94,8 @@ void OrvexModel::saveRollProject() {
         errorMessage.set(failure);
         return;
     }
-    if (!rollDocumentURL_ && !isReadOnly()) {
-        rollDocumentURL_ = file;
+    if (!rollDocumentURL && !isReadOnly()) {
+        rollDocumentURL = file;
         rollSaveMessage.set(autosaved());
     }
     message.set(spt("排版已保存，其中只引用原图文件。介质和 ICC 选择由打印预设管理。",
@@ -130,10 +130,10 @@ void OrvexModel::openLayoutFile(const QUrl& file) {
     recordRollUndo();
     takeWorkspace(opened);
     syncSelectedArtwork(); // also of an empty canvas, which has no sources to restore
-    rollPreviewsRestored_ = false;
+    rollPreviewsRestored = false;
     clearColorConfirmation();
-    if (!rollDocumentURL_ && !isReadOnly()) {
-        rollDocumentURL_ = file;
+    if (!rollDocumentURL && !isReadOnly()) {
+        rollDocumentURL = file;
     }
     setTab(0);
     message.set(spt("已打开作品排版。介质和 ICC 选择仍以当前打印预设为准。",

@@ -1,13 +1,18 @@
 #pragma once
 
+#include "CanvasPreference.h"
 #include "ObservationForm.h"
 #include "Observed.h"
+#include "OneStepEdit.h"
 #include "Output/ImageMetadata.h"
 #include "PresetForm.h"
 #include "PrinterReadings.h"
-#include "ProtectedSettings.h"
+#include "ProtectedSettingsBaseline.h"
+#include "RollHistory.h"
 #include "SessionProgress.h"
 #include "Stores/LocalQueue.h"
+#include "Stores/PresetStore.h"
+#include "Stores/PrintJournal.h"
 
 #include <QHash>
 #include <QMap>
@@ -20,8 +25,8 @@ namespace orvex {
 /// What is known of a source file; shared, since it never changes.
 using SharedImageMetadata = std::shared_ptr<const ImageMetadata>;
 
-/// Everything of the session that others watch. Each field reads like a function, such as `session.rollLayout()`; the
-/// session alone writes them. Main thread.
+/// The state of the session. What others watch reads like a function, such as `session.rollLayout()`; the session alone
+/// writes it. Main thread.
 class SessionFields {
 protected:
     ChangeAnnouncer announcer_;
@@ -71,6 +76,24 @@ public:
     Observed<QString> message{announcer_};                     ///< what is being done or was done
     Observed<std::optional<QString>> errorMessage{announcer_}; ///< until the user has dismissed it
     Observed<int> tab{announcer_, 0};
+
+protected:
+    // Working state, which nobody watches
+
+    RollHistory rollHistory;
+    OneStepEdit rollKeyboardInitialLayout;
+    OneStepEdit rollGestureInitialLayout;
+    std::optional<QUrl> rollDocumentURL; ///< what autosave writes; absent means that autosave is off
+    bool rollPreviewsRestored = false;   ///< the sources of the canvas were looked for already
+    bool nativePrintRequestPending = false;
+    std::optional<LocalQueueStore> store; ///< the stores are absent if they cannot be used
+    std::optional<PresetStore> presetStore;
+    std::optional<PrintJournalStore> journalStore;
+    std::optional<CanvasPreference> canvasPreference; ///< the preset that loads by itself
+    bool canvasApplied = false;                       ///< it was, for this printer
+    std::optional<ProtectedSettingsSnapshot> protectedBaseline;
+    std::optional<ProtectedSettingsBaselineStore> protectionStore;
+    std::optional<QUrl> defaultsURL; ///< where `canvasPreference` is kept
 };
 
 } // namespace orvex

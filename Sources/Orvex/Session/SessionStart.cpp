@@ -32,14 +32,14 @@ void OrvexModel::loadQueue() {
         const LocalQueueStore queue(OrvexQAWorkspace::directory());
         jobs.set(queue.load());
         if (!isReadOnly()) {
-            store_ = queue;
+            store = queue;
             queueAvailable.set(true);
-            defaultsURL_ = CanvasPreference::url(queue.directory());
+            defaultsURL = CanvasPreference::url(queue.directory());
         }
-        canvasPreference_ = CanvasPreference::load(CanvasPreference::url(queue.directory()));
+        canvasPreference = CanvasPreference::load(CanvasPreference::url(queue.directory()));
     };
     if (const auto failure = failureMessageOf(load)) {
-        defaultsURL_.reset();
+        defaultsURL.reset();
         errorMessage.set(spt("无法载入本地待打印队列或默认绑定。现有文件已保留：%1",
                              "Could not load the local queue or default binding. Existing files are preserved: %1")
                              .arg(*failure));
@@ -49,14 +49,14 @@ void OrvexModel::loadQueue() {
 void OrvexModel::loadPresets() {
     const auto load = [this] {
         const auto workspace = OrvexQAWorkspace::directory();
-        const PresetStore presetStore(workspace ? std::optional(PresetStore::folderIn(*workspace)) : std::nullopt);
-        presets.set(presetStore.load());
+        const PresetStore stored(workspace ? std::optional(PresetStore::folderIn(*workspace)) : std::nullopt);
+        presets.set(stored.load());
         if (!isReadOnly()) {
-            presetStore_ = presetStore;
+            presetStore = stored;
             presetsAvailable.set(true);
             migrateDefaultCanvas();
         }
-        const auto bound = canvasPreference_ ? presetWithID(canvasPreference_->presetID) : std::nullopt;
+        const auto bound = canvasPreference ? presetWithID(canvasPreference->presetID) : std::nullopt;
         canvasDefaultName.set(bound ? std::optional(bound->name) : std::nullopt);
     };
     if (const auto failure = failureMessageOf(load)) {
@@ -68,11 +68,11 @@ void OrvexModel::loadPresets() {
 
 /// Carries the default preset forward to pages in inches, once. Raises what keeps it from that.
 void OrvexModel::migrateDefaultCanvas() {
-    if (!defaultsURL_) {
+    if (!defaultsURL) {
         return;
     }
     QList<PrintPreset> migrated = presets();
-    migrateDefaultCanvasToInches(*presetStore_, *defaultsURL_, canvasPreference_, migrated);
+    migrateDefaultCanvasToInches(*presetStore, *defaultsURL, canvasPreference, migrated);
     presets.set(migrated);
 }
 
@@ -81,7 +81,7 @@ void OrvexModel::loadJournal() {
         const PrintJournalStore journal(OrvexQAWorkspace::directory());
         observations.set(journal.load());
         if (!isReadOnly()) {
-            journalStore_ = journal;
+            journalStore = journal;
         }
     };
     if (const auto failure = failureMessageOf(load)) {
@@ -93,9 +93,9 @@ void OrvexModel::loadJournal() {
 void OrvexModel::loadBaseline() {
     const auto load = [this] {
         const ProtectedSettingsBaselineStore baseline(OrvexQAWorkspace::directory());
-        protectedBaseline_ = baseline.load();
+        protectedBaseline = baseline.load();
         if (!isReadOnly()) {
-            protectionStore_ = baseline;
+            protectionStore = baseline;
         }
     };
     if (failureMessageOf(load)) {

@@ -14,7 +14,7 @@ QCoro::Task<> OrvexModel::checkProtectedSettings() {
     const QFuture<ProtectedSettingsSnapshot> capturing =
         readings_.captureSettings(pathsToCapture(), closing_.get_token());
     const ProtectedSettingsSnapshot current = co_await capturing;
-    if (protectedBaseline_) {
+    if (protectedBaseline) {
         compareProtectedSettings(current);
     } else {
         recordBaseline(current);
@@ -23,18 +23,18 @@ QCoro::Task<> OrvexModel::checkProtectedSettings() {
 
 /// A baseline fixes what is watched; a later change of printer adds nothing.
 QList<QUrl> OrvexModel::pathsToCapture() const {
-    if (!protectedBaseline_) {
+    if (!protectedBaseline) {
         return protectedPaths(QDir::homePath(), printerReadings().selectedPrinterName);
     }
     QList<QUrl> paths;
-    for (const QString& path : protectedBaseline_->rootPaths) {
+    for (const QString& path : protectedBaseline->rootPaths) {
         paths.append(QUrl::fromLocalFile(path));
     }
     return paths;
 }
 
 void OrvexModel::compareProtectedSettings(const ProtectedSettingsSnapshot& current) {
-    const auto comparison = SettingsPreservationService::compare(*protectedBaseline_, current);
+    const auto comparison = SettingsPreservationService::compare(*protectedBaseline, current);
     QStringList changes;
     for (const ProtectedSettingsChange& change : comparison.changes) {
         changes.append(change.path);
@@ -57,14 +57,14 @@ void OrvexModel::compareProtectedSettings(const ProtectedSettingsSnapshot& curre
 
 /// The first capture with a known printer is what later ones are compared with.
 void OrvexModel::recordBaseline(const ProtectedSettingsSnapshot& current) {
-    if (!protectionStore_ || printerReadings().selectedPrinterName.isEmpty()) {
+    if (!protectionStore || printerReadings().selectedPrinterName.isEmpty()) {
         return;
     }
-    if (const auto failure = failureMessageOf([&] { protectionStore_->save(current); })) {
+    if (const auto failure = failureMessageOf([&] { protectionStore->save(current); })) {
         protectionMessage.set(spt("无法保存设置基线：%1", "Could not save the baseline: %1").arg(*failure));
         return;
     }
-    protectedBaseline_ = current;
+    protectedBaseline = current;
     protectionMessage.set(spt("已记录现有本地设置指纹。不会写入或恢复驱动设置。",
                               "Existing local settings fingerprints were recorded. Driver settings are not written or "
                               "restored."));

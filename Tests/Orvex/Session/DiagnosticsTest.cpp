@@ -77,7 +77,7 @@ protected:
     Journal() { start(); }
 
     void fillIn(PrintObservationResult result, qint64 sequence, const QString& note) {
-        model->setObservationForm({.result = result, .sequence = sequence, .note = note});
+        model->setObservationForm({.observationResult = result, .observationSequence = sequence, .observationNote = note});
     }
 };
 
@@ -139,7 +139,7 @@ TEST_F(Journal, CountsOnForTheNextPrintAndKeepsTheRestOfTheForm) {
     EXPECT_NE(model->observations()[0].id, model->observations()[1].id);
     EXPECT_EQ(
         model->observationForm(),
-        (ObservationForm{.result = PrintObservationResult::normal, .sequence = 5, .note = QStringLiteral("fine")}));
+        (ObservationForm{.observationResult = PrintObservationResult::normal, .observationSequence = 5, .observationNote = QStringLiteral("fine")}));
 }
 
 TEST_F(Journal, DoesNotCountARecordThatCouldNotBeWritten) {
@@ -148,7 +148,7 @@ TEST_F(Journal, DoesNotCountARecordThatCouldNotBeWritten) {
     model->recordObservation();
     EXPECT_EQ(model->errorMessage(), QStringLiteral("Enter the physical print sequence number."));
     EXPECT_TRUE(model->observations().isEmpty());
-    EXPECT_EQ(model->observationForm().sequence, 0);
+    EXPECT_EQ(model->observationForm().observationSequence, 0);
     EXPECT_EQ(model->message(), message);
 }
 

@@ -80,8 +80,8 @@ TEST_F(FreshSession, HasLoadedItsEmptyStores) {
     EXPECT_TRUE(model->jobs().isEmpty());
     EXPECT_TRUE(model->queueAvailable());
     EXPECT_TRUE(model->observations().isEmpty());
-    EXPECT_EQ(model->observationForm().result, PrintObservationResult::purple);
-    EXPECT_EQ(model->observationForm().sequence, 1);
+    EXPECT_EQ(model->observationForm().observationResult, PrintObservationResult::purple);
+    EXPECT_EQ(model->observationForm().observationSequence, 1);
 }
 
 TEST_F(FreshSession, SpeaksEnglish) {
@@ -91,7 +91,8 @@ TEST_F(FreshSession, SpeaksEnglish) {
     EXPECT_EQ(model->rollSaveMessage(), QStringLiteral("Layouts save automatically"));
     EXPECT_EQ(model->protectionMessage(), QStringLiteral("Reading existing settings fingerprints…"));
     EXPECT_EQ(model->presetForm().presetName, QStringLiteral("HP Canvas · 60 in · 2.5-inch border"));
-    EXPECT_EQ(model->observationForm().note, QStringLiteral("Appears after several prints, in varying locations"));
+    EXPECT_EQ(model->observationForm().observationNote,
+              QStringLiteral("Appears after several prints, in varying locations"));
     EXPECT_EQ(model->errorMessage(), std::nullopt);
 }
 
@@ -102,7 +103,7 @@ TEST_F(FreshSession, SpeaksChinese) {
     EXPECT_EQ(model->rollSaveMessage(), QStringLiteral("排版会自动保存"));
     EXPECT_EQ(model->protectionMessage(), QStringLiteral("正在读取现有设置指纹…"));
     EXPECT_EQ(model->presetForm().presetName, QStringLiteral("HP 画布 · 60 英寸 · 白边 2.5 英寸"));
-    EXPECT_EQ(model->observationForm().note, QStringLiteral("多打几张后出现，位置不固定"));
+    EXPECT_EQ(model->observationForm().observationNote, QStringLiteral("多打几张后出现，位置不固定"));
 }
 
 TEST_F(FreshSession, AnnouncesItsFieldsOnceForEachTurn) {

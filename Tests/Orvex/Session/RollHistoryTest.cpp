@@ -17,12 +17,12 @@ RollArtwork artworkOf(const QUuid& id) {
 
 TEST(RollHistory, IsEmptyAtFirst) {
     RollHistory history;
-    EXPECT_FALSE(history.isUndoAvailable());
-    EXPECT_FALSE(history.isRedoAvailable());
+    EXPECT_TRUE(history.rollUndo().isEmpty());
+    EXPECT_TRUE(history.rollRedo().isEmpty());
     EXPECT_EQ(history.undo(layout(0)), std::nullopt);
     EXPECT_EQ(history.redo(layout(0)), std::nullopt);
-    EXPECT_FALSE(history.isUndoAvailable());
-    EXPECT_FALSE(history.isRedoAvailable());
+    EXPECT_TRUE(history.rollUndo().isEmpty());
+    EXPECT_TRUE(history.rollRedo().isEmpty());
 }
 
 TEST(RollHistory, GoesBackAndForwardStepByStep) {
@@ -31,10 +31,10 @@ TEST(RollHistory, GoesBackAndForwardStepByStep) {
     history.record(layout(1));
     EXPECT_EQ(history.undo(layout(2)), layout(1));
     EXPECT_EQ(history.undo(layout(1)), layout(0));
-    EXPECT_FALSE(history.isUndoAvailable());
+    EXPECT_TRUE(history.rollUndo().isEmpty());
     EXPECT_EQ(history.redo(layout(0)), layout(1));
     EXPECT_EQ(history.redo(layout(1)), layout(2));
-    EXPECT_FALSE(history.isRedoAvailable());
+    EXPECT_TRUE(history.rollRedo().isEmpty());
     EXPECT_EQ(history.undo(layout(2)), layout(1));
 }
 
@@ -42,9 +42,9 @@ TEST(RollHistory, HasNothingToRedoAfterANewStep) {
     RollHistory history;
     history.record(layout(0));
     static_cast<void>(history.undo(layout(1)));
-    EXPECT_TRUE(history.isRedoAvailable());
+    EXPECT_FALSE(history.rollRedo().isEmpty());
     history.record(layout(2));
-    EXPECT_FALSE(history.isRedoAvailable());
+    EXPECT_TRUE(history.rollRedo().isEmpty());
     EXPECT_EQ(history.undo(layout(3)), layout(2));
 }
 
@@ -54,7 +54,7 @@ TEST(RollHistory, RecordsEqualLayoutsAsSteps) {
     history.record(layout(0));
     EXPECT_EQ(history.undo(layout(0)), layout(0));
     EXPECT_EQ(history.undo(layout(0)), layout(0));
-    EXPECT_FALSE(history.isUndoAvailable());
+    EXPECT_TRUE(history.rollUndo().isEmpty());
 }
 
 TEST(RollHistory, LosesTheOldestStepWithTheEightyFirst) {
@@ -66,12 +66,12 @@ TEST(RollHistory, LosesTheOldestStepWithTheEightyFirst) {
     for (int number = 80; number >= 1; --number) {
         ASSERT_EQ(full.undo(layout(0)), layout(number));
     }
-    EXPECT_FALSE(full.isUndoAvailable());
+    EXPECT_TRUE(full.rollUndo().isEmpty());
     history.record(layout(81));
     for (int number = 81; number >= 2; --number) {
         ASSERT_EQ(history.undo(layout(0)), layout(number));
     }
-    EXPECT_FALSE(history.isUndoAvailable());
+    EXPECT_TRUE(history.rollUndo().isEmpty());
 }
 
 TEST(RollHistory, HoldsTheArtworksOfStepsToUndoAndToRedo) {

@@ -29,20 +29,20 @@ public:
         field.set(std::move(value));
     }
 
-    [[nodiscard]] const std::optional<QUrl>& rollDocumentURL() const { return session_.rollDocumentURL_; }
+    [[nodiscard]] const std::optional<QUrl>& rollDocumentURL() const { return session_.rollDocumentURL; }
 
-    [[nodiscard]] const RollHistory& history() const { return session_.rollHistory_; }
+    [[nodiscard]] const RollHistory& history() const { return session_.rollHistory; }
 
-    [[nodiscard]] const std::optional<CanvasPreference>& canvasPreference() const { return session_.canvasPreference_; }
+    [[nodiscard]] const std::optional<CanvasPreference>& canvasPreference() const { return session_.canvasPreference; }
 
-    [[nodiscard]] const std::optional<QUrl>& defaultsURL() const { return session_.defaultsURL_; }
+    [[nodiscard]] const std::optional<QUrl>& defaultsURL() const { return session_.defaultsURL; }
 
-    [[nodiscard]] bool isCanvasApplied() const { return session_.canvasApplied_; }
+    [[nodiscard]] bool isCanvasApplied() const { return session_.canvasApplied; }
 
     /// Starts an application that stands in a place of no other kind of machine.
     void openMonitor(const QUrl& application) { session_.runMonitor(application); }
 
-    [[nodiscard]] bool hasBaseline() const { return session_.protectedBaseline_.has_value(); }
+    [[nodiscard]] bool hasBaseline() const { return session_.protectedBaseline.has_value(); }
 
 private:
     OrvexModel& session_;

@@ -91,13 +91,13 @@ TEST_F(Start, GreetsInBothLanguages) {
     EXPECT_EQ(model->message(), QStringLiteral("Import artwork. The Cutting setting already disabled on the printer "
                                                "panel is preserved."));
     EXPECT_EQ(model->observationForm(),
-              (ObservationForm{.result = PrintObservationResult::purple,
-                               .sequence = 1,
-                               .note = QStringLiteral("Appears after several prints, in varying locations")}));
+              (ObservationForm{.observationResult = PrintObservationResult::purple,
+                               .observationSequence = 1,
+                               .observationNote = QStringLiteral("Appears after several prints, in varying locations")}));
     const test::InChinese chinese;
     start();
     EXPECT_EQ(model->message(), QStringLiteral("请导入作品。打印机面板上已停用的裁切设置会原样保留。"));
-    EXPECT_EQ(model->observationForm().note, QStringLiteral("多打几张后出现，位置不固定"));
+    EXPECT_EQ(model->observationForm().observationNote, QStringLiteral("多打几张后出现，位置不固定"));
 }
 
 TEST_F(Start, GoesOnWithoutTheQueue) {
