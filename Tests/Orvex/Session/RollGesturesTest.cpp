@@ -290,6 +290,22 @@ TEST_F(Nudge, StaysWithinTheCanvasThatTheRunBeganWith) {
     EXPECT_EQ(item(0).yInches, 2.0);
 }
 
+TEST_F(Nudge, CanGoBackDownWhereTheCanvasHasBecomeShorterMeanwhile) {
+    using Dimension = QuarterInchArtworkSizing::Dimension;
+    model->resizeArtwork(idOf(0), 15.0, Dimension::width);
+    model->moveArtwork(idOf(1), std::nullopt, 2.0);
+    model->resizeArtwork(idOf(0), 12.0, Dimension::width);
+    ASSERT_EQ(model->rollLayout().lengthInches(), 15.0);
+    for (int count = 0; count < 5; ++count) {
+        nudge(RollNudgeDirection::up, true);
+    }
+    ASSERT_LT(model->rollLayout().lengthInches(), 14.6);
+    for (int count = 0; count < 10; ++count) {
+        nudge(RollNudgeDirection::down, true);
+    }
+    EXPECT_EQ(item(1).yInches, 2.0);
+}
+
 TEST_F(Nudge, IsNotSnapped) {
     ASSERT_TRUE(model->rollSnapToQuarter());
     nudge(RollNudgeDirection::right, true);
