@@ -4,6 +4,7 @@
 #include "ForkedWork.h"
 #include "Layout/RollWorkspaceFile.h"
 #include "NoDesktop.h"
+#include "OrvexModel.h"
 #include "TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +16,6 @@
 namespace orvex {
 namespace {
 
-using test::NoDesktop;
 using test::TemporaryFolder;
 
 // Edits by number, from 1 on, and what the canvas has to be after each of them

@@ -5,6 +5,7 @@
 #include "ForkedWork.h"
 #include "NoDesktop.h"
 #include "OrvexError.h"
+#include "OrvexModel.h"
 #include "PrivateDisk.h"
 #include "TemporaryFolder.h"
 
@@ -14,7 +15,6 @@
 namespace orvex {
 namespace {
 
-using test::NoDesktop;
 using test::Outcome;
 using test::PrivateDisk;
 

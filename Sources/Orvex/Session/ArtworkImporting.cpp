@@ -163,7 +163,8 @@ void OrvexModel::duplicateSelectedArtwork() {
         errorMessage.set(failure);
         return;
     }
-    applyEdit(extended);
+    recordRollUndo();
+    rollLayout.set(extended);
     copySource(selected->id, copy.id);
     selectedArtworkID.set(copy.id);
     syncSelectedArtwork();
