@@ -89,7 +89,7 @@ PrinterSnapshot QueueDiscovery::snapshot(const PrinterStatus& queue, const Answe
     if (!answers.deviceURIs.contains(queue.name)) {
         lines.append(spt("此队列没有返回设备地址。", "This queue did not return a device address."));
     }
-    tell(lines, answers.jobs, spt("无法读取系统任务列表。", "Cannot read the system job list"));
+    tell(lines, answers.jobs, spt("无法读取系统作业列表。", "Cannot read the system job list"));
     tellOfOptions(lines, result, !options.isEmpty());
 
     return {.name = queue.name,

@@ -95,7 +95,7 @@ NativePrintReadinessPolicy::evaluate(const std::optional<PrinterTelemetrySnapsho
     }
     if (telemetry->isAcceptingJobs == false) {
         return unavailable(
-            spt("系统打印队列目前不接受任务，无法直接打印。请先检查系统打印队列；本程序不会更改队列设置。",
+            spt("系统打印队列目前不接受作业，无法直接打印。请先检查系统打印队列；本程序不会更改队列设置。",
                 "The system queue is not accepting jobs. Direct printing is unavailable. Check the "
                 "system queue first; the app will not change queue settings.") +
             detail);
@@ -104,7 +104,7 @@ NativePrintReadinessPolicy::evaluate(const std::optional<PrinterTelemetrySnapsho
         return {.state = NativePrintReadinessState::ready, .blockingReason = std::nullopt};
     }
     return unknown(
-        spt("无法确认系统打印队列已准备好接受任务，未打开打印。请刷新打印机，并在佳能软件或系统打印队列中查看。",
+        spt("无法确认系统打印队列已准备好接受作业，未打开打印。请刷新打印机，并在佳能软件或系统打印队列中查看。",
             "The system queue could not be confirmed ready to accept jobs. Print was not opened. Refresh "
             "printers and check Canon or the system queue.") +
         detail);

@@ -472,7 +472,7 @@ TEST(QueueDiscovery, DiagnosesInChineseToo) {
     EXPECT_EQ(discovered(answers).at(0).diagnostic, text("队列状态不完整。 退出状态为 1。 printer A one\n"
                                                          "无法读取设备地址。 退出状态为 2。 no devices\n"
                                                          "此队列没有返回设备地址。\n"
-                                                         "无法读取系统任务列表。 退出状态为 3。 no jobs\n"
+                                                         "无法读取系统作业列表。 退出状态为 3。 no jobs\n"
                                                          "无法读取驱动选项。 退出状态为 4。 no options"));
 }
 

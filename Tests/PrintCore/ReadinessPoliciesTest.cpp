@@ -341,11 +341,11 @@ TEST(NativePrintReadinessPolicy, SpeaksChineseToo) {
     telemetry.queueReasons = {text("b-warning")};
     telemetry.isAcceptingJobs = false;
     EXPECT_EQ(evaluated(telemetry).blockingReason,
-              text("系统打印队列目前不接受任务，无法直接打印。请先检查系统打印队列；本程序不会更改队列设置。"
+              text("系统打印队列目前不接受作业，无法直接打印。请先检查系统打印队列；本程序不会更改队列设置。"
                    "\n系统报告：words；b-warning"));
     telemetry.isAcceptingJobs = std::nullopt;
     EXPECT_EQ(evaluated(telemetry).blockingReason,
-              text("无法确认系统打印队列已准备好接受任务，未打开打印。请刷新打印机，并在佳能软件或系统打印队列中查看。"
+              text("无法确认系统打印队列已准备好接受作业，未打开打印。请刷新打印机，并在佳能软件或系统打印队列中查看。"
                    "\n系统报告：words；b-warning"));
 }
 

@@ -22,7 +22,7 @@ OrvexModel::OrvexModel(SessionServices& services, SessionAccess access, MachineR
                     "Import artwork. The Cutting setting already disabled on the printer panel is preserved."));
     protectionMessage.set(spt("正在读取现有设置指纹…", "Reading existing settings fingerprints…"));
     observationForm.set(
-        {.observationNote = spt("多打几张后出现，位置不固定", "Appears after several prints, in varying locations")});
+        {.observationNote = spt("连续打印数张后出现，位置不固定", "Appears after several prints, in varying locations")});
     lockStores();
     loadQueue();
     loadPresets();

@@ -43,7 +43,7 @@ std::optional<QString> OrvexModel::colorPreflight() const {
         }
     }
     if (!form.colorWorkflow.driverColorCorrectionDisabledConfirmed) {
-        return spt("请确认佳能色彩校正已关闭，以免重复进行色彩管理。应用不会更改该设置。",
+        return spt("请确认佳能颜色校正已关闭，以免重复进行颜色管理。应用不会更改该设置。",
                    "Confirm that Canon colour correction is off to avoid double colour management. The app does not "
                    "change that setting.");
     }

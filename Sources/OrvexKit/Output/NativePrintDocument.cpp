@@ -57,7 +57,7 @@ Reader open(const QString& path) {
         return Reader::open(path);
     } catch (const Failure&) {
         // Whether the file is missing or is no PDF, the answer is the same.
-        throw OrvexError::invalid(spt("无法读取要打印的 PDF。原文件和任务记录均已保留。",
+        throw OrvexError::invalid(spt("无法读取要打印的 PDF。原文件和作业记录均已保留。",
                                       "Cannot read the PDF to print. The original file and job record were kept."));
     }
 }
@@ -108,7 +108,7 @@ NativePrintGeometry NativePrintGeometry::make(const Rect& mediaBounds, double us
             "The system reported inconsistent PDF page geometry. Direct printing was stopped to avoid shrinking the "
             "artwork."));
     require(isAsExpected(expectedWidthInches, physical.width) && isAsExpected(expectedHeightInches, physical.height),
-            spt("保存的 PDF 尺寸与任务记录不符。未打开打印。",
+            spt("保存的 PDF 尺寸与作业记录不符。未打开打印。",
                 "The saved PDF dimensions do not match the job record. Print was not opened."));
     return {.physicalSizePoints = physical, .userUnit = userUnit};
 }

@@ -103,7 +103,7 @@ TEST_F(FreshSession, SpeaksChinese) {
     EXPECT_EQ(model->rollSaveMessage(), QStringLiteral("排版会自动保存"));
     EXPECT_EQ(model->protectionMessage(), QStringLiteral("正在读取现有设置指纹…"));
     EXPECT_EQ(model->presetForm().presetName, QStringLiteral("HP 画布 · 60 英寸 · 白边 2.5 英寸"));
-    EXPECT_EQ(model->observationForm().observationNote, QStringLiteral("多打几张后出现，位置不固定"));
+    EXPECT_EQ(model->observationForm().observationNote, QStringLiteral("连续打印数张后出现，位置不固定"));
 }
 
 TEST_F(FreshSession, AnnouncesItsFieldsOnceForEachTurn) {

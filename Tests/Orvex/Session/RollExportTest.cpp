@@ -63,7 +63,7 @@ TEST_F(ExportIssue, OfColourIsASourceWithoutAProfileThenTheConfirmation) {
     EXPECT_EQ(model->colorPreflight(), u"部分作品没有已确认的嵌入源 "
                                        u"ICC，无法猜测其色彩空间。请添加源配置文件，或由佳能管理颜色。");
     model->undoRollEdit();
-    EXPECT_EQ(model->colorPreflight(), u"请确认佳能色彩校正已关闭，以免重复进行色彩管理。应用不会更改该设置。");
+    EXPECT_EQ(model->colorPreflight(), u"请确认佳能颜色校正已关闭，以免重复进行颜色管理。应用不会更改该设置。");
 }
 
 TEST_F(ExportIssue, OfColourDoesNotTrustWhatIsKnownOfAnotherFile) {

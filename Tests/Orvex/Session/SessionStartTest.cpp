@@ -97,7 +97,7 @@ TEST_F(Start, GreetsInBothLanguages) {
     const test::InChinese chinese;
     start();
     EXPECT_EQ(model->message(), QStringLiteral("请导入作品。打印机面板上已停用的裁切设置会原样保留。"));
-    EXPECT_EQ(model->observationForm().observationNote, QStringLiteral("多打几张后出现，位置不固定"));
+    EXPECT_EQ(model->observationForm().observationNote, QStringLiteral("连续打印数张后出现，位置不固定"));
 }
 
 TEST_F(Start, GoesOnWithoutTheQueue) {

@@ -328,7 +328,7 @@ TEST_F(NativePrintDocumentTest, ChecksInOrder) {
 
 TEST_F(NativePrintDocumentTest, SpeaksChinese) {
     const test::InChinese chinese;
-    EXPECT_EQ(refusalFor("A letter"), "无法读取要打印的 PDF。原文件和任务记录均已保留。");
+    EXPECT_EQ(refusalFor("A letter"), "无法读取要打印的 PDF。原文件和作业记录均已保留。");
     EXPECT_EQ(refusalFor(test::encrypted(onePagePdf(), "")), "此 PDF 已加密或需要密码。未打开直接打印。");
     EXPECT_EQ(refusalForPage("/MediaBox [0 0 9 9] /Rotate 90"),
               "此 PDF 使用了页面旋转，因此无法确认卷布的实际方向。请使用此前验证过的打印流程。");
@@ -339,7 +339,7 @@ TEST_F(NativePrintDocumentTest, SpeaksChinese) {
     EXPECT_EQ(refusalForPage("/MediaBox [0 0 9999 9]"), "PDF 页面宽于 60 英寸，或实际尺寸无效。请检查排版。");
     EXPECT_EQ(refusalOfGeometry(size(1, 2), 1, size(2, 1)),
               "系统报告的 PDF 页面几何信息不一致。为避免缩小作品，已停止直接打印。");
-    EXPECT_EQ(refusalOfGeometry(size(1, 2), 1, size(1, 2), 9.0), "保存的 PDF 尺寸与任务记录不符。未打开打印。");
+    EXPECT_EQ(refusalOfGeometry(size(1, 2), 1, size(1, 2), 9.0), "保存的 PDF 尺寸与作业记录不符。未打开打印。");
     PdfText pdf = onePage({});
     pdf.objects[1] = "<< /Type /Pages /Kids [] /Count 0 >>";
     EXPECT_EQ(refusalFor(pdf.bytes()), "直接打印需要完整的单页卷布 PDF。原文件已保留。");
