@@ -4,6 +4,7 @@
 #include "Files/RandomAccessFile.h"
 #include "Layout/InchLayout.h"
 #include "Layout/NumberText.h"
+#include "QueueFileName.h"
 #include "Text.h"
 
 #include <QList>
@@ -34,14 +35,6 @@ std::optional<Size> size(QString value) {
     return Size{numbers[0], numbers[1]};
 }
 
-bool isPlainName(const QString& queue) {
-    const auto isPlain = [](QChar each) {
-        return (each >= u'A' && each <= u'Z') || (each >= u'a' && each <= u'z') || (each >= u'0' && each <= u'9') ||
-               QStringView(u"_.-").contains(each);
-    };
-    return !queue.isEmpty() && std::ranges::all_of(queue, isPlain);
-}
-
 } // namespace
 
 QMap<QString, Size> DriverPaperGeometry::paperDimensions(const QString& text) {
@@ -67,7 +60,7 @@ QMap<QString, Size> DriverPaperGeometry::read(const QString& queue) {
 }
 
 QMap<QString, Size> DriverPaperGeometry::read(const QString& queue, const QString& folder) {
-    if (!isPlainName(queue)) {
+    if (!isSafeInFileName(queue)) {
         return {};
     }
     try {

@@ -21,8 +21,8 @@ OrvexModel::OrvexModel(SessionServices& services, SessionAccess access, MachineR
     message.set(spt("请导入作品。打印机面板上已停用的裁切设置会原样保留。",
                     "Import artwork. The Cutting setting already disabled on the printer panel is preserved."));
     protectionMessage.set(spt("正在读取现有设置指纹…", "Reading existing settings fingerprints…"));
-    observationForm.set(
-        {.observationNote = spt("连续打印数张后出现，位置不固定", "Appears after several prints, in varying locations")});
+    observationForm.set({.observationNote = spt("连续打印数张后出现，位置不固定",
+                                                "Appears after several prints, in varying locations")});
     lockStores();
     loadQueue();
     loadPresets();

@@ -1,19 +1,13 @@
 #include "ProtectedPaths.h"
 
 #include "Files/Paths.h"
+#include "QueueFileName.h"
 
-#include <QRegularExpression>
 #include <QStringList>
 
 namespace orvex {
 
 namespace {
-
-/// Such a name leads out of no folder.
-bool isSafeInFileName(const QString& queue) {
-    static const QRegularExpression form(QStringLiteral("\\A[A-Za-z0-9_.-]+\\z"));
-    return form.match(queue).hasMatch();
-}
 
 QStringList filesOfQueue(const QString& preferences, const QString& queue) {
     if (!isSafeInFileName(queue)) {
