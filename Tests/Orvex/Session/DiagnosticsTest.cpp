@@ -77,7 +77,8 @@ protected:
     Journal() { start(); }
 
     void fillIn(PrintObservationResult result, qint64 sequence, const QString& note) {
-        model->setObservationForm({.observationResult = result, .observationSequence = sequence, .observationNote = note});
+        model->setObservationForm(
+            {.observationResult = result, .observationSequence = sequence, .observationNote = note});
     }
 };
 
@@ -137,9 +138,9 @@ TEST_F(Journal, CountsOnForTheNextPrintAndKeepsTheRestOfTheForm) {
     EXPECT_EQ(model->observations()[0].sequenceNumber, 4);
     EXPECT_EQ(model->observations()[1].sequenceNumber, 3);
     EXPECT_NE(model->observations()[0].id, model->observations()[1].id);
-    EXPECT_EQ(
-        model->observationForm(),
-        (ObservationForm{.observationResult = PrintObservationResult::normal, .observationSequence = 5, .observationNote = QStringLiteral("fine")}));
+    EXPECT_EQ(model->observationForm(), (ObservationForm{.observationResult = PrintObservationResult::normal,
+                                                         .observationSequence = 5,
+                                                         .observationNote = QStringLiteral("fine")}));
 }
 
 TEST_F(Journal, DoesNotCountARecordThatCouldNotBeWritten) {

@@ -90,10 +90,11 @@ TEST_F(Start, GreetsInBothLanguages) {
     start();
     EXPECT_EQ(model->message(), QStringLiteral("Import artwork. The Cutting setting already disabled on the printer "
                                                "panel is preserved."));
-    EXPECT_EQ(model->observationForm(),
-              (ObservationForm{.observationResult = PrintObservationResult::purple,
-                               .observationSequence = 1,
-                               .observationNote = QStringLiteral("Appears after several prints, in varying locations")}));
+    EXPECT_EQ(
+        model->observationForm(),
+        (ObservationForm{.observationResult = PrintObservationResult::purple,
+                         .observationSequence = 1,
+                         .observationNote = QStringLiteral("Appears after several prints, in varying locations")}));
     const test::InChinese chinese;
     start();
     EXPECT_EQ(model->message(), QStringLiteral("请导入作品。打印机面板上已停用的裁切设置会原样保留。"));
