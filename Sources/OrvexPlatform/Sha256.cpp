@@ -1,5 +1,6 @@
 #include "Sha256.h"
 
+#include <openssl/crypto.h>
 #include <openssl/evp.h>
 
 #include <algorithm>
@@ -21,6 +22,8 @@ void mustSucceed(int result) {
 
 void Sha256::Free::operator()(evp_md_ctx_st* context) const {
     EVP_MD_CTX_free(context);
+    // What the library keeps for a thread goes with the thread itself only if the process lives longer.
+    OPENSSL_thread_stop();
 }
 
 Sha256::Sha256() : context_(EVP_MD_CTX_new()) {

@@ -1,12 +1,11 @@
 #include "CommandFiles.h"
 #include "CommandText.h"
 #include "Commands.h"
-#include "Files/ApplicationFolder.h"
+#include "FileGuard.h"
 #include "Files/FileSystemError.h"
 #include "Files/Paths.h"
 #include "OrvexError.h"
 #include "OrvexLanguage.h"
-#include "OrvexQAWorkspace.h"
 #include "ProtectedSettingsBaseline.h"
 #include "SettingsPreservationService.h"
 #include "StoreChange.h"
@@ -70,9 +69,7 @@ void compareWithBaseline(const QString& path, const CommandContext& context) {
 
 /// Whether a file lies where the program keeps its own baseline.
 bool isInStores(const QString& path) {
-    const auto workspace = OrvexQAWorkspace::directory();
-    const QString stores = workspace ? platform::localPath(*workspace) : platform::applicationFolder();
-    return platform::isSameFile(QFileInfo(path).path(), stores);
+    return platform::isSameFile(QFileInfo(path).path(), platform::localPath(storesFolder()));
 }
 
 void saveBaseline(const ProtectedSettingsSnapshot& snapshot, const QString& path) {

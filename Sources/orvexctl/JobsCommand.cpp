@@ -32,6 +32,15 @@ qsizetype indexOf(const QUuid& id, const QList<StagedJob>& jobs) {
     return found - jobs.begin();
 }
 
+/// The originals that the job was made of.
+QList<QUrl> sourcesOf(const StagedJob& job) {
+    QList<QUrl> sources;
+    for (const RollArtwork& item : job.rollLayout.value_or(RollLayout()).items) {
+        sources.append(item.sourceURL);
+    }
+    return sources;
+}
+
 void exportWithProgress(const LocalQueueStore& queue, const StagedJob& job, const QUrl& to,
                         const std::stop_token& stop) {
     ProgressBar bar;
@@ -49,6 +58,7 @@ void runExport(const JobsOptions& options, const CommandContext& context) {
         printFile(platform::localPath(queue.pdfURL(job)), context.stop);
         return;
     }
+    refuseOverwriting(file, sourcesOf(job));
     exportWithProgress(queue, job, platform::fileUrl(file), context.stop);
     printResult(job.toJson());
 }

@@ -124,16 +124,17 @@ QCoro::Task<> OrvexModel::runRelink(RollArtwork artwork, QUrl file) {
 
 /// Gives an artwork another file; its size and position stay. Raises OrvexError.
 void OrvexModel::replaceSource(const RollArtwork& artwork, const SharedImageMetadata& metadata) {
+    const RollArtwork current = this->artwork(artwork.id).value_or(artwork);
     const RollArtwork replacement = RollArtwork::make({.id = artwork.id,
                                                        .sourceURL = metadata->url,
                                                        .pixelWidth = metadata->pixelWidth,
                                                        .pixelHeight = metadata->pixelHeight,
                                                        .originalWidthInches = metadata->originalWidthInches,
                                                        .originalHeightInches = metadata->originalHeightInches,
-                                                       .widthInches = artwork.widthInches,
-                                                       .xInches = artwork.xInches,
-                                                       .yInches = artwork.yInches,
-                                                       .rotationQuarterTurns = artwork.rotationQuarterTurns});
+                                                       .widthInches = current.widthInches,
+                                                       .xInches = current.xInches,
+                                                       .yInches = current.yInches,
+                                                       .rotationQuarterTurns = current.rotationQuarterTurns});
     refuse(replacement.validationError(rollLayout().widthInches));
     recordRollUndo();
     RollLayout relinked = rollLayout();
@@ -174,18 +175,16 @@ void OrvexModel::duplicateSelectedArtwork() {
 /// Makes known of one artwork's source what is known of another's.
 void OrvexModel::copySource(const QUuid& from, const QUuid& to) {
     if (const SharedImageMetadata metadata = artworkPreviews().value(from)) {
-        auto previews = artworkPreviews();
-        previews.insert(to, metadata);
-        artworkPreviews.set(previews);
+        artworkPreviews.update([&](auto& previews) { previews.insert(to, metadata); });
     }
-    auto descriptions = sizingDescriptions();
-    const auto description = descriptions.constFind(platform::uuidText(from));
-    if (description == descriptions.constEnd()) {
-        descriptions.remove(platform::uuidText(to));
-    } else {
-        descriptions.insert(platform::uuidText(to), QString(*description));
-    }
-    sizingDescriptions.set(descriptions);
+    sizingDescriptions.update([&](auto& descriptions) {
+        const auto found = descriptions.constFind(platform::uuidText(from));
+        if (found == descriptions.constEnd()) {
+            descriptions.remove(platform::uuidText(to));
+        } else {
+            descriptions.insert(platform::uuidText(to), QString(*found));
+        }
+    });
 }
 
 } // namespace orvex

@@ -21,7 +21,8 @@ bool isOfArtwork(const SharedImageMetadata& metadata, const RollArtwork& artwork
 /// Inspects a file; its picture is in the keeping of the store.
 SharedImageMetadata loadMetadata(const QUrl& file, PreviewStore& store, const std::stop_token& stop,
                                  const platform::RowProgress& progress) {
-    // Taken first: what changes while the file is read is not the picture's stamp any more.
+    // Taken first, though the picture's own refusal is the better message: what changes while the file is read is not
+    // the picture's stamp any more.
     std::optional<FileStamp> stamp;
     const auto failure = failureMessageOf([&] { stamp = FileStamp::read(file); });
     const ImageMetadata metadata = ImageMetadata::load(file, stop, progress);
@@ -38,7 +39,7 @@ SharedImageMetadata OrvexModel::metadataFor(const RollArtwork& artwork) const {
     return isOfArtwork(found, artwork) ? found : nullptr;
 }
 
-/// Inspects a file in the background, as the `number`th of `total`.
+/// Inspects a file in the background; the progress goes on from `start`.
 QFuture<SharedImageMetadata> OrvexModel::inspect(const QUrl& file, const SessionProgress& start,
                                                  SessionOperation& operation) {
     operation.show(start);
@@ -54,12 +55,9 @@ QFuture<SharedImageMetadata> OrvexModel::inspect(const QUrl& file, const Session
 }
 
 void OrvexModel::takeMetadata(const QUuid& id, const SharedImageMetadata& metadata) {
-    auto previews = artworkPreviews();
-    previews.insert(id, metadata);
-    artworkPreviews.set(previews);
-    auto descriptions = sizingDescriptions();
-    descriptions.insert(platform::uuidText(id), metadata->physicalSizeSource);
-    sizingDescriptions.set(descriptions);
+    artworkPreviews.update([&](auto& previews) { previews.insert(id, metadata); });
+    sizingDescriptions.update(
+        [&](auto& descriptions) { descriptions.insert(platform::uuidText(id), metadata->physicalSizeSource); });
 }
 
 QCoro::Task<> OrvexModel::restoreRollPreviews(bool force) {
@@ -83,11 +81,21 @@ QCoro::Task<> OrvexModel::restoreRollPreviews(bool force) {
     syncSelectedArtwork();
 }
 
+/// Whether the artwork on the canvas with this one's id is now made of something else.
+bool OrvexModel::isReplaced(const RollArtwork& inspected) const {
+    const auto current = artwork(inspected.id);
+    return current && (current->sourceURL != inspected.sourceURL || current->pixelWidth != inspected.pixelWidth ||
+                       current->pixelHeight != inspected.pixelHeight);
+}
+
 QCoro::Task<> OrvexModel::restoreSource(RollArtwork artwork, SessionProgress start, SessionOperation& operation) {
     std::optional<QString> failure;
     try {
         const QFuture<SharedImageMetadata> inspecting = inspect(artwork.sourceURL, start, operation);
         const SharedImageMetadata metadata = co_await inspecting;
+        if (isReplaced(artwork)) {
+            co_return; // what was read is of another file than the artwork has now
+        }
         if (metadata->pixelWidth == artwork.pixelWidth && metadata->pixelHeight == artwork.pixelHeight) {
             takeMetadata(artwork.id, metadata);
             co_return;
@@ -99,12 +107,11 @@ QCoro::Task<> OrvexModel::restoreSource(RollArtwork artwork, SessionProgress sta
     } catch (const std::exception& exception) {
         failure = failureMessage(exception);
     }
-    auto previews = artworkPreviews();
-    previews.remove(artwork.id);
-    artworkPreviews.set(previews);
-    auto warnings = rollLoadWarnings();
-    warnings.insert(artwork.id, *failure);
-    rollLoadWarnings.set(warnings);
+    if (isReplaced(artwork)) {
+        co_return;
+    }
+    artworkPreviews.update([&](auto& previews) { previews.remove(artwork.id); });
+    rollLoadWarnings.update([&](auto& warnings) { warnings.insert(artwork.id, *failure); });
 }
 
 void OrvexModel::pruneRollPreviews() {

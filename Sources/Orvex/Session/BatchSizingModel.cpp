@@ -20,9 +20,8 @@ QString nothingToResize() {
 }
 
 QFuture<BatchArrangementPreview> startArranging(const RollLayout& sized, bool allowQuarterTurns) {
-    return platform::startUserInitiatedTask([sized, allowQuarterTurns] {
-        return BatchArrangementPreview::make(sized, allowQuarterTurns); //
-    });
+    return platform::startUserInitiatedTask(
+        [sized, allowQuarterTurns] { return BatchArrangementPreview::make(sized, allowQuarterTurns); });
 }
 
 } // namespace

@@ -1,11 +1,11 @@
 // The report to be sent to whoever helps, and the journal of physical prints.
 
 #include "DiagnosticText.h"
+#include "FileGuard.h"
 #include "Files/FileReplacer.h"
 #include "Files/Paths.h"
 #include "OrvexLanguage.h"
 #include "OrvexModel.h"
-#include "SourceFiles.h"
 
 namespace orvex {
 
@@ -21,6 +21,7 @@ void OrvexModel::exportDiagnostics() {
     }
     const auto save = [&] {
         refuseOverwritingSources(*file, rollLayout());
+        refuseOverwritingOwnData(*file);
         platform::FileReplacer::replace(platform::localPath(*file), diagnosticText().toUtf8());
     };
     if (const auto failure = failureMessageOf(save)) {

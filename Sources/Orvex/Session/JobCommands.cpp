@@ -1,10 +1,12 @@
 // The jobs of the local queue.
 
 #include "BackgroundTask.h"
+#include "FileGuard.h"
 #include "Interrupted.h"
 #include "OrvexError.h"
 #include "OrvexLanguage.h"
 #include "OrvexModel.h"
+#include "RollRendering.h"
 #include "SessionOperation.h"
 #include "Text.h"
 
@@ -51,6 +53,8 @@ QCoro::Task<> OrvexModel::runJobExport(StagedJob job, QUrl file) {
         report({.done = 0, .total = 1, .what = what, .fraction = fraction});
     };
     try {
+        refuseOverwritingSources(file, rollLayout());
+        refuseOverwritingSources(file, job.rollLayout.value_or(RollLayout()));
         const QFuture<void> copying =
             platform::startUserInitiatedTask([store = *store, job, file, show, stop = operation.stopToken()] {
                 store.exportPDF(job, file, show, stop);
@@ -58,7 +62,7 @@ QCoro::Task<> OrvexModel::runJobExport(StagedJob job, QUrl file) {
         co_await copying;
         message.set(spt("已导出队列中的 PDF。", "The queued PDF was exported."));
     } catch (const platform::Interrupted&) {
-        message.set(spt("已取消导出，没有写入 PDF。", "The export was cancelled. No PDF was written."));
+        message.set(exportCancelled());
     } catch (const std::exception& exception) {
         errorMessage.set(failureMessage(exception));
     }

@@ -39,10 +39,12 @@ void OrvexModel::printCurrentRoll() {
         return;
     }
     nativePrintRequestPending = true;
+    announcer_.announce(); // the command is off until then
     services_.commitEditing();
     // A turn later, so that what the field held has reached the layout.
     later([this] {
         nativePrintRequestPending = false;
+        announcer_.announce();
         prepareCurrentRollForPrinting();
     });
 }
@@ -79,6 +81,7 @@ QCoro::Task<> OrvexModel::runCurrentPrint() {
         static_cast<void>(co_await rendered);
         co_await requireFreshNativePrintReadiness(queue);
         platform::throwIfStopped(operation.stopToken()); // no window for a print that was cancelled
+        operation.hideProgress();
         const auto prepared = services_.prepareNativePrint(
             {.pdfURL = pdf,
              .queueName = queue,
@@ -176,7 +179,7 @@ void OrvexModel::runNativePrintWindow(NativePrintOperation& prepared) {
     message.set(isSubmitted ? spt("系统打印流程已结束。请在系统打印队列查看作业状态，并在打印机上确认实物完成。",
                                   "The system print workflow has finished. Check job status in the system queue and "
                                   "confirm physical completion at the printer.")
-                            : spt("未提交打印或已取消。本地作品和 PDF 保持不变。",
+                            : spt("打印未提交或已取消。本地作品和 PDF 保持不变。",
                                   "Printing was not submitted or was cancelled. Local artwork and PDFs are "
                                   "unchanged."));
     later([this] { refresh(); });

@@ -33,6 +33,14 @@ private:
         announcer_.announce();
     }
 
+    /// Changes a copy of the value, and takes it.
+    template <typename Change>
+    void update(const Change& change) {
+        Value changed = value_;
+        change(changed);
+        set(std::move(changed));
+    }
+
     /// Removes entries of a map.
     template <typename Predicate>
     void removeIf(const Predicate& predicate) {

@@ -32,6 +32,11 @@ OrvexModel::OrvexModel(SessionServices& services, SessionAccess access, MachineR
 }
 
 OrvexModel::~OrvexModel() {
+    endKeyboardNudge();
+    endArrangeGesture();
+    if (isPersistPending_) {
+        persistRollLayout();
+    }
     closing_.request_stop();
     refreshLoop_.request_stop();
     for (SessionOperation* operation : std::as_const(operations_)) {
@@ -124,15 +129,11 @@ void OrvexModel::later(std::function<void()> work) {
 }
 
 void OrvexModel::updateForm(const std::function<void(PresetForm&)>& change) {
-    PresetForm form = presetForm();
-    change(form);
-    presetForm.set(form);
+    presetForm.update(change);
 }
 
 void OrvexModel::updatePrinters(const std::function<void(PrinterReadings&)>& change) {
-    PrinterReadings readings = printerReadings();
-    change(readings);
-    printerReadings.set(readings);
+    printerReadings.update(change);
 }
 
 void OrvexModel::clearColorConfirmation() {

@@ -100,7 +100,8 @@ public:
     void undoRollEdit();
     void redoRollEdit();
 
-    void beginArrangeGesture();
+    /// Whether a gesture is open now, so that its changes may follow.
+    bool beginArrangeGesture();
     void dragArtwork(const QUuid& id, double x, double y);
     void resizeArtworkGesture(const QUuid& id, double width);
     void endArrangeGesture();
@@ -239,12 +240,14 @@ private:
     QCoro::Task<> runImport(QList<QUrl> files);
     QCoro::Task<> runRelink(RollArtwork artwork, QUrl file);
     QCoro::Task<> runStaging();
+    void removeUnlessRecorded(const QUrl& pdf, const QUuid& id);
     QCoro::Task<> runExport(QUrl file);
     QCoro::Task<> runJobExport(StagedJob job, QUrl file);
     QCoro::Task<> runRefreshing();
 
     QFuture<SharedImageMetadata> inspect(const QUrl& file, const SessionProgress& start, SessionOperation& operation);
     QCoro::Task<> restoreSource(RollArtwork artwork, SessionProgress start, SessionOperation& operation);
+    [[nodiscard]] bool isReplaced(const RollArtwork& inspected) const;
     QCoro::Task<> restoreAndPersist();
     void addArtwork(const SharedImageMetadata& metadata);
     void finishImport(const QStringList& failures, bool isCancelled);
@@ -263,7 +266,7 @@ private:
     void runNativePrintWindow(NativePrintOperation& prepared);
 
     // Presets and printers
-    [[nodiscard]] bool applyPreset(const PrintPreset& preset, bool resizeArtwork);
+    [[nodiscard]] bool applyPreset(const PrintPreset& preset, bool resizesArtwork);
     [[nodiscard]] std::optional<PrintPreset> presetWithID(const QUuid& id) const;
     [[nodiscard]] std::optional<PrintPreset> presetWithID(const QString& id) const;
     QCoro::Task<> readQueues();
@@ -292,6 +295,7 @@ private:
     std::stop_source refreshLoop_;
     int refreshLoopCount_ = 0; ///< with those that were stopped and have not ended
 
+    bool isPersistPending_ = false; ///< an opened layout is saved once its sources are restored
     std::shared_ptr<PreviewStore> previewStore_;
 };
 

@@ -70,7 +70,7 @@ void OrvexModel::inspectICC() {
         form.iccAsset = asset;
     });
     clearColorConfirmation();
-    message.set(spt("已保存由应用统一保管的 ICC 副本。请确认它与 iPF9400、HP J3E87B 和打印质量匹配。",
+    message.set(spt("已保存由应用管理的 ICC 副本。请确认它与 iPF9400、HP J3E87B 和打印质量匹配。",
                     "A managed ICC copy has been saved. Confirm that it matches the iPF9400, HP J3E87B and print "
                     "quality."));
 }
@@ -86,7 +86,7 @@ void OrvexModel::clearICC() {
 // Presets
 
 /// Takes over the choices of a preset; whether it could be done. A preset whose profile is gone changes nothing.
-bool OrvexModel::applyPreset(const PrintPreset& preset, bool resizeArtwork) {
+bool OrvexModel::applyPreset(const PrintPreset& preset, bool resizesArtwork) {
     std::optional<OutputICCProfile> profile;
     if (preset.iccAsset && presetStore) {
         const auto inspect = [&] { profile = OutputICCProfile::inspect(presetStore->resolveICC(*preset.iccAsset)); };
@@ -98,9 +98,9 @@ bool OrvexModel::applyPreset(const PrintPreset& preset, bool resizeArtwork) {
     const auto picture = image() ? std::optional(PixelSize{image()->pixelWidth, image()->pixelHeight}) : std::nullopt;
     presetForm.set(presetForm().applying(preset, profile, picture));
     const auto selected = selectedArtwork();
-    if (resizeArtwork && selected) {
-        this->resizeArtwork(selected->id, PrintUnits::inches(preset.settings.widthMM) - PrintUnits::bothBordersInches,
-                            QuarterInchArtworkSizing::Dimension::width);
+    if (resizesArtwork && selected) {
+        resizeArtwork(selected->id, PrintUnits::inches(preset.settings.widthMM) - PrintUnits::bothBordersInches,
+                      QuarterInchArtworkSizing::Dimension::width);
     }
     syncSelectedArtwork();
     message.set(spt("已载入本地预设 %1。未向驱动或设备写入任何参数。",

@@ -8,6 +8,8 @@
 #include <QPointer>
 #include <QScopeGuard>
 
+#include <algorithm>
+
 namespace orvex {
 
 void OrvexModel::startRefreshing() {

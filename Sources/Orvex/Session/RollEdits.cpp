@@ -5,21 +5,11 @@
 #include "Layout/RollInteraction.h"
 #include "OrvexLanguage.h"
 #include "OrvexModel.h"
-#include "SessionOperation.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace orvex {
-
-namespace {
-
-/// A side of the artwork at 100 %, as it lies on the roll.
-double naturalWidth(const RollArtwork& artwork) {
-    return artwork.rotationQuarterTurns % 2 != 0 ? artwork.originalHeightInches : artwork.originalWidthInches;
-}
-
-} // namespace
 
 /// Tries a change on a copy; a refusal is told in an alert, and the canvas stays as it was.
 void OrvexModel::edit(const std::function<void(RollLayout&)>& change) {
@@ -101,7 +91,7 @@ void OrvexModel::resizeArtwork(const QUuid& id, double inches, QuarterInchArtwor
 
 void OrvexModel::scaleArtwork(const QUuid& id, double percent) {
     if (const auto item = artwork(id)) {
-        resizeArtwork(id, percent * naturalWidth(*item) / 100.0, QuarterInchArtworkSizing::Dimension::width);
+        resizeArtwork(id, percent * item->naturalWidthInches() / 100.0, QuarterInchArtworkSizing::Dimension::width);
     }
 }
 
@@ -114,9 +104,10 @@ void OrvexModel::fitSelectedArtwork() {
 
 void OrvexModel::restoreSelectedNaturalSize() {
     if (const auto selected = selectedArtwork()) {
-        resizeArtwork(selected->id,
-                      std::min(naturalWidth(*selected), rollLayout().widthInches - PrintUnits::bothBordersInches),
-                      QuarterInchArtworkSizing::Dimension::width);
+        resizeArtwork(
+            selected->id,
+            std::min(selected->naturalWidthInches(), rollLayout().widthInches - PrintUnits::bothBordersInches),
+            QuarterInchArtworkSizing::Dimension::width);
     }
 }
 

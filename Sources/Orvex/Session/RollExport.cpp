@@ -1,6 +1,7 @@
 // The roll as a PDF: what speaks against it, into the local queue, to a place of the user's choice.
 
 #include "BackgroundTask.h"
+#include "FileGuard.h"
 #include "Interrupted.h"
 #include "OrvexError.h"
 #include "OrvexLanguage.h"
@@ -9,6 +10,8 @@
 #include "SessionOperation.h"
 #include "SizeTexts.h"
 #include "StagedJobRecord.h"
+
+#include <algorithm>
 
 namespace orvex {
 
@@ -37,7 +40,7 @@ std::optional<QString> OrvexModel::colorPreflight() const {
     for (const RollArtwork& item : rollLayout().items) {
         const SharedImageMetadata metadata = metadataFor(item);
         if (!metadata || !metadata->sourceColorProfile.isTagged()) {
-            return spt("部分作品没有已确认的嵌入源 ICC，无法猜测其色彩空间。请添加源配置文件，或由佳能管理颜色。",
+            return spt("部分作品没有已确认的嵌入源 ICC，无法猜测其色彩空间。请添加源 ICC 配置文件，或由佳能管理颜色。",
                        "Some artworks have no confirmed embedded source ICC. The colour space cannot be guessed. Add "
                        "the source profile or let Canon manage colour.");
         }
@@ -105,7 +108,19 @@ QCoro::Task<> OrvexModel::runStaging() {
     } catch (const std::exception& exception) {
         errorMessage.set(failureMessage(exception));
     }
-    removeIfThere(pdf); // never a PDF without a record
+    removeUnlessRecorded(pdf, job.id);
+}
+
+/// Removes the PDF of a job that could not be staged: there is never one without a record. Saving the record may have
+/// failed at its very end, when it was in place already; then both stay.
+void OrvexModel::removeUnlessRecorded(const QUrl& pdf, const QUuid& id) {
+    QList<StagedJob> recorded;
+    const auto failure = failureMessageOf([&] { recorded = store->load(); });
+    if (!failure && std::ranges::find(recorded, id, &StagedJob::id) != recorded.end()) {
+        jobs.set(recorded);
+        return;
+    }
+    removeQuietly(pdf);
 }
 
 void OrvexModel::exportRollPDF() {
@@ -125,6 +140,7 @@ QCoro::Task<> OrvexModel::runExport(QUrl file) {
     const RollLayout layout = rollLayout();
     const ColorWorkflow workflow = presetForm().colorWorkflow;
     try {
+        refuseOverwritingOwnData(file);
         const std::optional<QByteArray> outputICC = outputICCData(workflow, presetForm().iccAsset);
         const RollRendering rendering{.layout = layout, .to = file, .workflow = workflow, .outputICC = outputICC};
         const QFuture<QList<RollSourceAudit>> rendered = startRollRendering(rendering, rollPDFTitle(), operation);
@@ -134,7 +150,7 @@ QCoro::Task<> OrvexModel::runExport(QUrl file) {
                         .arg(inchesText(layout.widthInches), inchesText(layout.lengthInches())));
         services_.revealFile(file);
     } catch (const platform::Interrupted&) {
-        message.set(spt("已取消导出，没有写入 PDF。", "The export was cancelled. No PDF was written."));
+        message.set(exportCancelled());
     } catch (const std::exception& exception) {
         errorMessage.set(failureMessage(exception));
     }

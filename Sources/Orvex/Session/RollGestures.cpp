@@ -1,7 +1,6 @@
 // What moves an artwork while a mouse button or a key is held: nothing is recorded or saved until it is released.
 
 #include "Layout/RollInteraction.h"
-#include "OrvexError.h"
 #include "OrvexLanguage.h"
 #include "OrvexModel.h"
 #include "SizeTexts.h"
@@ -26,14 +25,15 @@ bool OrvexModel::isGestureLocked() const {
     return busy() || batchSizingPresented() || arrangingGesture();
 }
 
-void OrvexModel::beginArrangeGesture() {
+bool OrvexModel::beginArrangeGesture() {
     if (busy() || arrangingGesture()) {
-        return;
+        return arrangingGesture();
     }
     endKeyboardNudge();
     rollGestureInitialLayout.begin(rollLayout());
     rollGestureFrameLength.set(rollLayout().lengthInches());
     arrangingGesture.set(true);
+    return true;
 }
 
 void OrvexModel::dragArtwork(const QUuid& id, double x, double y) {
@@ -49,8 +49,8 @@ void OrvexModel::dragArtwork(const QUuid& id, double x, double y) {
         y = snapped(y);
     }
     // The canvas must not grow below the pointer.
-    const RollLayout& measure = rollGestureInitialLayout.initialLayout().value_or(rollLayout());
-    y = RollInteraction::constrainedMoveY(y, item->trimRectInches().height, measure.lengthInches());
+    const double canvasLength = rollGestureInitialLayout.initialLayout().value_or(rollLayout()).lengthInches();
+    y = RollInteraction::constrainedMoveY(y, item->trimRectInches().height, canvasLength);
     RollLayout moved = rollLayout();
     if (const auto failure = failureMessageOf([&] { moved.move(id, x, y); })) {
         rollSaveMessage.set(*failure);

@@ -1,14 +1,16 @@
 // The canvas as a file: autosave, and layouts that the user saves and opens.
 
+#include "FileGuard.h"
 #include "Files/ApplicationFolder.h"
 #include "Files/FileReplacer.h"
+#include "Files/FileSystemError.h"
 #include "Files/Paths.h"
 #include "Files/RandomAccessFile.h"
 #include "OrvexLanguage.h"
 #include "OrvexModel.h"
 #include "OrvexQAWorkspace.h"
-#include "SessionOperation.h"
-#include "SourceFiles.h"
+
+#include <cerrno>
 
 namespace orvex {
 
@@ -25,7 +27,24 @@ RollWorkspaceFile decodeWorkspace(QByteArrayView bytes) {
 
 void writeWorkspace(const RollWorkspaceFile& file, const QUrl& to) {
     file.validate();
-    platform::FileReplacer::replace(platform::localPath(to), file.encode());
+    const QByteArray bytes = file.encode();
+    if (bytes.size() > largestFileBytes) {
+        throw platform::FileSystemError(EFBIG, platform::localPath(to)); // it could not be read again
+    }
+    platform::FileReplacer::replace(platform::localPath(to), bytes);
+}
+
+QUrl autosaveFileIn(const QUrl& folder) {
+    return QUrl::fromLocalFile(platform::localPath(folder) + QStringLiteral("/roll-layout.json"));
+}
+
+/// A layout may be saved over the one that is saved by itself, if the user says so, but over no other data.
+void refuseOverwriting(const QUrl& to, const RollLayout& layout) {
+    refuseOverwritingSources(to, layout);
+    const QString place = platform::resolvingSymlinks(platform::localPath(to));
+    if (place != platform::resolvingSymlinks(platform::localPath(autosaveFileIn(storesFolder())))) {
+        refuseOverwritingOwnData(to);
+    }
 }
 
 QString autosaved() {
@@ -59,8 +78,7 @@ void OrvexModel::persistRollLayout() {
 
 void OrvexModel::loadSavedRollLayout() {
     const auto load = [this] {
-        const QUrl folder = platform::storeFolder(OrvexQAWorkspace::directory());
-        const QUrl file = QUrl::fromLocalFile(platform::localPath(folder) + QStringLiteral("/roll-layout.json"));
+        const QUrl file = autosaveFileIn(platform::storeFolder(OrvexQAWorkspace::directory()));
         if (const auto bytes = platform::readFileIfThere(platform::localPath(file), largestFileBytes)) {
             takeWorkspace(decodeWorkspace(*bytes));
         }
@@ -87,7 +105,7 @@ void OrvexModel::saveRollProject() {
         return;
     }
     const auto save = [&] {
-        refuseOverwritingSources(*file, rollLayout());
+        refuseOverwriting(*file, rollLayout());
         writeWorkspace(workspaceFile(), *file);
     };
     if (const auto failure = failureMessageOf(save)) {
@@ -138,11 +156,13 @@ void OrvexModel::openLayoutFile(const QUrl& file) {
     setTab(0);
     message.set(spt("已打开作品排版。介质和 ICC 选择仍以当前打印预设为准。",
                     "Artwork layout opened. Media and ICC choices remain in the current print preset."));
+    isPersistPending_ = true;
     later([this] { restoreAndPersist(); });
 }
 
 QCoro::Task<> OrvexModel::restoreAndPersist() {
     co_await restoreRollPreviews(false);
+    isPersistPending_ = false;
     persistRollLayout();
 }
 

@@ -26,6 +26,10 @@ QString rollPDFTitle() {
     return spt("orvex · 卷布排版", "orvex · Roll Layout");
 }
 
+QString exportCancelled() {
+    return spt("已取消导出，没有写入 PDF。", "The export was cancelled. No PDF was written.");
+}
+
 QString renderStageLabel(RollPDFRenderer::RenderStage stage) {
     return stage == RollPDFRenderer::RenderStage::preflight ? spt("检查原图", "Checking originals")
                                                             : spt("写入 PDF", "Writing the PDF");
@@ -46,7 +50,7 @@ QByteArray readManagedICC(const PresetStore& presets, const ManagedICCAsset& ass
     return platform::readWholeFile(platform::localPath(presets.resolveICC(asset)), platform::IccProfile::largestBytes);
 }
 
-void removeIfThere(const QUrl& file) {
+void removeQuietly(const QUrl& file) {
     try {
         platform::removeFile(platform::localPath(file));
     } catch (const platform::FileSystemError&) {

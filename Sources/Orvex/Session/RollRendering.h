@@ -30,7 +30,10 @@ struct RollRendering {
 /// The bytes of a profile in the keeping of the presets, verified. Raises OrvexError and FileSystemError.
 [[nodiscard]] QByteArray readManagedICC(const PresetStore& presets, const ManagedICCAsset& asset);
 
+/// What to say of an export that was cancelled.
+[[nodiscard]] QString exportCancelled();
+
 /// Removes a file that a failure may have left; what keeps it from that is passed over, as the failure is what counts.
-void removeIfThere(const QUrl& file);
+void removeQuietly(const QUrl& file);
 
 } // namespace orvex

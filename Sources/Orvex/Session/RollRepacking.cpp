@@ -7,6 +7,9 @@
 #include "OrvexModel.h"
 #include "SessionOperation.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace orvex {
 
 namespace {

@@ -61,20 +61,27 @@ SessionOperation::SessionOperation(OrvexModel& session, Cancelling cancelling)
 SessionOperation::~SessionOperation() {
     relay_->close();
     session_.operations_.removeOne(this);
-    session_.progress.set(std::nullopt);
-    session_.busy.set(!session_.operations_.isEmpty());
+    const bool isLast = session_.operations_.isEmpty();
+    session_.progress.set(isLast ? std::nullopt : session_.operations_.last()->shown_);
+    session_.busy.set(!isLast);
 }
 
 void SessionOperation::requestStop() {
     stop_.request_stop();
-    if (const auto shown = session_.progress()) {
-        show(*shown);
+    if (shown_) {
+        show(*shown_);
     }
 }
 
 void SessionOperation::show(SessionProgress progress) {
     progress.isCancellable = isCancellable() && !stop_.stop_requested();
-    session_.progress.set(progress);
+    shown_ = progress;
+    session_.progress.set(shown_);
+}
+
+void SessionOperation::hideProgress() {
+    shown_.reset();
+    session_.progress.set(std::nullopt);
 }
 
 std::function<void(const SessionProgress&)> SessionOperation::report() {

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <stop_token>
 
 namespace orvex {
@@ -33,7 +34,11 @@ public:
     /// Shows how far the work has come.
     void show(SessionProgress progress);
 
-    /// The same from any thread, for as long as this lives; what comes faster than the event loop turns is passed over.
+    /// Shows it no longer; what is left to do depends on the user.
+    void hideProgress();
+
+    /// The same as `show` from any thread, for as long as this lives; what comes faster than the event loop turns is
+    /// passed over.
     [[nodiscard]] std::function<void(const SessionProgress&)> report();
 
 private:
@@ -42,6 +47,7 @@ private:
     OrvexModel& session_;
     Cancelling cancelling_;
     std::stop_source stop_;
+    std::optional<SessionProgress> shown_;
     std::shared_ptr<Relay> relay_;
 };
 

@@ -5,6 +5,8 @@
 #include "OrvexModel.h"
 #include "OrvexQAWorkspace.h"
 
+#include <QScopeGuard>
+
 namespace orvex {
 
 /// Where the folder cannot be locked at all, nobody else can either, and the stores say themselves what they cannot do.
@@ -72,8 +74,8 @@ void OrvexModel::migrateDefaultCanvas() {
         return;
     }
     QList<PrintPreset> migrated = presets();
+    const auto take = qScopeGuard([&] { presets.set(migrated); }); // also where only the marker could not be written
     migrateDefaultCanvasToInches(*presetStore, *defaultsURL, canvasPreference, migrated);
-    presets.set(migrated);
 }
 
 void OrvexModel::loadJournal() {
@@ -98,7 +100,11 @@ void OrvexModel::loadBaseline() {
             protectionStore = baseline;
         }
     };
-    if (failureMessageOf(load)) {
+    const bool isUnreadable = failureMessageOf(load).has_value();
+    if (isReadOnly() && !protectedBaseline) {
+        protectionMessage.set(spt("尚未记录设置基线。", "No settings baseline has been recorded."));
+    }
+    if (isUnreadable) {
         protectionMessage.set(spt("无法读取设置基线，原文件已保留。",
                                   "The settings baseline could not be read; the original file is preserved."));
     }

@@ -1,5 +1,6 @@
 // The check that nobody has changed the printer's local settings.
 
+#include "Interrupted.h"
 #include "OrvexLanguage.h"
 #include "OrvexModel.h"
 #include "ProtectedPaths.h"
@@ -13,11 +14,17 @@ namespace orvex {
 QCoro::Task<> OrvexModel::checkProtectedSettings() {
     const QFuture<ProtectedSettingsSnapshot> capturing =
         readings_.captureSettings(pathsToCapture(), closing_.get_token());
-    const ProtectedSettingsSnapshot current = co_await capturing;
-    if (protectedBaseline) {
-        compareProtectedSettings(current);
-    } else {
-        recordBaseline(current);
+    try {
+        const ProtectedSettingsSnapshot current = co_await capturing;
+        if (protectedBaseline) {
+            compareProtectedSettings(current);
+        } else {
+            recordBaseline(current);
+        }
+    } catch (const platform::Interrupted&) {
+        throw;
+    } catch (const std::exception&) {
+        // nothing is known that was not known before, and no alert comes from here
     }
 }
 
@@ -49,7 +56,7 @@ void OrvexModel::compareProtectedSettings(const ProtectedSettingsSnapshot& curre
                                   "Readable local settings are unchanged; some files could not be verified. Confirm "
                                   "panel cutting on the printer."));
     } else {
-        protectionMessage.set(spt("本地设置指纹与基线一致。请在打印机面板上确认裁切设置。",
+        protectionMessage.set(spt("本地设置指纹与设置基线一致。请在打印机面板上确认裁切设置。",
                                   "Local settings fingerprints match the baseline. Confirm panel cutting on the "
                                   "printer."));
     }

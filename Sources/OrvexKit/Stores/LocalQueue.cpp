@@ -10,9 +10,6 @@
 #include "OrvexError.h"
 #include "OrvexLanguage.h"
 #include "Stores/StoreFiles.h"
-#include "Text.h"
-
-#include <QFileInfo>
 
 namespace orvex {
 
@@ -23,13 +20,8 @@ std::optional<QList<RollSourceAudit>> findAudits(const platform::JsonReader& rea
     return audits ? std::optional(platform::readRecords<RollSourceAudit>(*audits)) : std::nullopt;
 }
 
-/// Refuses the files of the stores, which may be told by their names from what else somebody keeps in their folder.
-void refuseOwnFile(const QString& path, const QString& directory) {
-    const QString place = platform::resolvingSymlinks(path);
-    const QFileInfo info(place);
-    const bool isInside = place.startsWith(platform::resolvingSymlinks(directory) + u'/');
-    const bool isOwnKind = info.suffix() == u"json" || info.suffix() == u"icc" || platform::uuid(info.baseName());
-    if (isInside && isOwnKind) {
+void refuseOwnFile(const QUrl& to, const QUrl& directory) {
+    if (StoreFiles::isOwnFile(to, directory)) {
         throw OrvexError::invalid(spt("不能将 PDF 导出到应用自身的数据文件。请另选一个文件。",
                                       "A PDF cannot be exported over the program's own data. Choose another file."));
     }
@@ -117,7 +109,7 @@ QString LocalQueueStore::pdfNotDeleted() {
 
 void LocalQueueStore::exportPDF(const StagedJob& job, const QUrl& to,
                                 const std::function<void(double fraction)>& report, const std::stop_token& stop) const {
-    refuseOwnFile(platform::localPath(to), platform::localPath(directory_));
+    refuseOwnFile(to, directory_);
     const auto pdf = platform::RandomAccessFile::open(platform::localPath(pdfURL(job)), stop);
     auto copy = platform::FileReplacer::open(platform::localPath(to));
     pdf.forEachPiece([&](QByteArrayView piece) {

@@ -6,6 +6,7 @@
 #include "Files/Paths.h"
 #include "OrvexError.h"
 #include "OrvexLanguage.h"
+#include "Text.h"
 
 #include <QFileInfo>
 
@@ -28,6 +29,13 @@ void requireRegularFile(const platform::LinkFreeView& view, const QByteArray& na
 QString path(const QUrl& directory, const QString& name) {
     const QString folder = platform::localPath(directory);
     return folder.endsWith(u'/') ? folder + name : folder + u'/' + name;
+}
+
+bool isOwnFile(const QUrl& file, const QUrl& directory) {
+    const QString place = platform::resolvingSymlinks(platform::localPath(file));
+    const QFileInfo info(place);
+    const bool isInside = place.startsWith(platform::resolvingSymlinks(platform::localPath(directory)) + u'/');
+    return isInside && (info.suffix() == u"json" || info.suffix() == u"icc" || platform::uuid(info.baseName()));
 }
 
 void requireReadable(const QByteArrayList& pieces, const QString& path) {

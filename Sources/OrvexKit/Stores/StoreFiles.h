@@ -18,6 +18,10 @@ inline constexpr qint64 largestListBytes = 1 << 29;
 /// The path of the file of that name in a store's folder.
 [[nodiscard]] QString path(const QUrl& directory, const QString& name);
 
+/// Whether a file, by whatever path, is one of those that the stores keep in the folder `directory` and below it; they
+/// are told by their names from what else somebody may have put there.
+[[nodiscard]] bool isOwnFile(const QUrl& file, const QUrl& directory);
+
 /// The list of records in a JSON file; an empty one if there is no such file.
 template <typename Record>
 [[nodiscard]] QList<Record> readList(const QString& path) {

@@ -288,5 +288,21 @@ TEST_F(Sources, HaveNoDescriptionUnderAnotherFormOfTheId) {
     EXPECT_EQ(model->sizingDescriptions().keys(), QList{key});
 }
 
+TEST_F(Sources, AreNotTakenForThoseOfAnArtworkThatHasAnotherFileMeanwhile) {
+    import({a});
+    const SharedImageMetadata known = model->metadataFor(item(0));
+    SessionBackdoor::set(model->artworkPreviews, QHash<QUuid, SharedImageMetadata>());
+    test::Barrier barrier;
+    model->restoreRollPreviews(true);
+    RollLayout relinked = model->rollLayout();
+    relinked.items[0].sourceURL = b;
+    SessionBackdoor::set(model->rollLayout, relinked);
+    SessionBackdoor::set(model->artworkPreviews, QHash<QUuid, SharedImageMetadata>{{item(0).id, known}});
+    barrier.release();
+    settle();
+    EXPECT_EQ(model->artworkPreviews().value(item(0).id), known);
+    EXPECT_TRUE(model->rollLoadWarnings().isEmpty());
+}
+
 } // namespace
 } // namespace orvex

@@ -40,7 +40,7 @@ TEST(BoardTexts, nameAnArtworkByItsSizeAndPlace) {
               "start");
     const InChinese chinese;
     EXPECT_EQ(BoardTexts::accessibilityLabel(artwork("黎明.png")).toStdString(),
-              "黎明.png，24.00 × 16.00 英寸，手裁框距卷布左边 0.00 英寸，距卷布起点 1.3 英寸");
+              "黎明.png，24.00 × 16.00 英寸，手裁框距卷布左侧 0.00 英寸，距卷布起点 1.3 英寸");
 }
 
 TEST(BoardTexts, leavePlaceholdersInATitleAlone) {

@@ -245,5 +245,24 @@ TEST_F(JobRemoval, NeedsTheQueueAndNoOtherWork) {
     EXPECT_EQ(pdfNames().size(), 2);
 }
 
+TEST_F(JobExport, OverAnOriginalIsRefused) {
+    const QString original = item(0).sourceURL.toLocalFile();
+    const QByteArray picture = test::TemporaryFolder::read(original);
+    exportTo(original, job());
+    EXPECT_EQ(model->errorMessage(),
+              u"The chosen location cannot overwrite the original of an artwork. Choose a separate file.");
+    EXPECT_EQ(test::TemporaryFolder::read(original), picture);
+}
+
+TEST_F(JobExport, OverAnOriginalThatIsNoLongerOnTheCanvasIsRefused) {
+    const StagedJob exported = job();
+    const QString original = item(0).sourceURL.toLocalFile();
+    const QByteArray picture = test::TemporaryFolder::read(original);
+    SessionBackdoor::set(model->rollLayout, RollLayout());
+    exportTo(original, exported);
+    EXPECT_TRUE(model->errorMessage());
+    EXPECT_EQ(test::TemporaryFolder::read(original), picture);
+}
+
 } // namespace
 } // namespace orvex

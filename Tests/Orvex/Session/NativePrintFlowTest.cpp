@@ -170,7 +170,7 @@ TEST_F(Printing, ThatIsCancelledInTheWindowIsNoError) {
     EXPECT_TRUE(temporaryFolders().isEmpty());
     const test::InChinese chinese;
     print();
-    EXPECT_EQ(model->message(), QStringLiteral("未提交打印或已取消。本地作品和 PDF 保持不变。"));
+    EXPECT_EQ(model->message(), QStringLiteral("打印未提交或已取消。本地作品和 PDF 保持不变。"));
 }
 
 TEST_F(Printing, LooksAtThePrintersAfterTheWindow) {

@@ -88,7 +88,7 @@ TEST_F(OutputProfile, IsConfirmedInChinese) {
     chooseProfile();
     model->inspectICC();
     EXPECT_EQ(model->message(),
-              QStringLiteral("已保存由应用统一保管的 ICC 副本。请确认它与 iPF9400、HP J3E87B 和打印质量匹配。"));
+              QStringLiteral("已保存由应用管理的 ICC 副本。请确认它与 iPF9400、HP J3E87B 和打印质量匹配。"));
 }
 
 TEST_F(OutputProfile, ThatIsNoneChangesNothing) {

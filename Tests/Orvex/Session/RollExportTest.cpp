@@ -61,7 +61,7 @@ TEST_F(ExportIssue, OfColourIsASourceWithoutAProfileThenTheConfirmation) {
                                        u"be guessed. Add the source profile or let Canon manage colour.");
     const test::InChinese chinese;
     EXPECT_EQ(model->colorPreflight(), u"部分作品没有已确认的嵌入源 "
-                                       u"ICC，无法猜测其色彩空间。请添加源配置文件，或由佳能管理颜色。");
+                                       u"ICC，无法猜测其色彩空间。请添加源 ICC 配置文件，或由佳能管理颜色。");
     model->undoRollEdit();
     EXPECT_EQ(model->colorPreflight(), u"请确认佳能颜色校正已关闭，以免重复进行颜色管理。应用不会更改该设置。");
 }
@@ -305,6 +305,17 @@ TEST_F(Export, CanBeCancelledAndThenKeepsWhatIsThere) {
     }
     exportRoll();
     EXPECT_NO_THROW(static_cast<void>(NativePrintFactory::openDocument(QUrl::fromLocalFile(place), 60.0, 13.0)));
+}
+
+TEST_F(Export, OverTheProgramsOwnDataIsRefused) {
+    importTwo();
+    const QString queue = folder.write(QStringLiteral("data/ORVEX/queue.json"), "[]");
+    services.chosenPlaces = {QUrl::fromLocalFile(queue)};
+    model->exportRollPDF();
+    settle();
+    EXPECT_EQ(model->errorMessage(),
+              u"The chosen location cannot overwrite the program's own data. Choose another file.");
+    EXPECT_EQ(test::TemporaryFolder::read(queue), "[]");
 }
 
 } // namespace

@@ -21,11 +21,11 @@ TEST(RollRendering, NamesThePdfAndItsStages) {
 TEST(RollRendering, RemovesWhatAFailureLeftIfItCan) {
     const test::TemporaryFolder folder;
     const QUrl file = QUrl::fromLocalFile(folder.write(QStringLiteral("left.pdf"), "x"));
-    removeIfThere(file);
+    removeQuietly(file);
     EXPECT_EQ(folder.names(), QStringList());
-    EXPECT_NO_THROW(removeIfThere(file)) << "which is gone";
+    EXPECT_NO_THROW(removeQuietly(file)) << "which is gone";
     ASSERT_TRUE(QDir().mkpath(folder.path(QStringLiteral("left.pdf/full"))));
-    EXPECT_NO_THROW(removeIfThere(file)) << "which is a folder now";
+    EXPECT_NO_THROW(removeQuietly(file)) << "which is a folder now";
     EXPECT_EQ(folder.names(), QStringList{QStringLiteral("left.pdf")});
 }
 

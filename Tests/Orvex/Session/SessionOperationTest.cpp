@@ -93,5 +93,24 @@ TEST_F(Operation, ThatHasEndedShowsNoReportAnyMore) {
     EXPECT_EQ(model->progress(), std::nullopt);
 }
 
+TEST_F(Operation, ShowsItsProgressAgainWhenAnotherHasEnded) {
+    SessionOperation operation(*model);
+    operation.show(half());
+    {
+        SessionOperation another(*model);
+        another.show({.done = 3, .total = 4, .what = QStringLiteral("other work"), .fraction = 0.75});
+        EXPECT_EQ(model->progress()->done, 3);
+    }
+    EXPECT_EQ(model->progress(), half());
+}
+
+TEST_F(Operation, CanHideItsProgress) {
+    SessionOperation operation(*model);
+    operation.show(half());
+    operation.hideProgress();
+    EXPECT_EQ(model->progress(), std::nullopt);
+    EXPECT_TRUE(model->busy());
+}
+
 } // namespace
 } // namespace orvex

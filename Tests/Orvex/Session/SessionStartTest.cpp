@@ -280,5 +280,14 @@ TEST_F(Migration, IsNotMadeByASessionThatMayNotWrite) {
     EXPECT_TRUE(model->canvasDefaultName());
 }
 
+TEST_F(Migration, ThatOnlyLacksItsMarkerIsShown) {
+    ASSERT_TRUE(QFile::link(stored(QStringLiteral("nowhere/marker")), stored(marker)));
+    start();
+    expectError(QStringLiteral("Could not load presets. Existing files are preserved: "));
+    ASSERT_EQ(model->presets().size(), 1);
+    EXPECT_EQ(model->presets(), PresetStore().load()) << "the session has what is stored";
+    EXPECT_EQ(model->presets()[0].settings.marginMM, 63.5);
+}
+
 } // namespace
 } // namespace orvex

@@ -91,7 +91,7 @@ TEST_F(SettingsCheck, FindsNothingWhereNothingHasChanged) {
               QStringLiteral("Local settings fingerprints match the baseline. Confirm panel cutting on the printer."));
     const test::InChinese chinese;
     refresh();
-    EXPECT_EQ(model->protectionMessage(), QStringLiteral("本地设置指纹与基线一致。请在打印机面板上确认裁切设置。"));
+    EXPECT_EQ(model->protectionMessage(), QStringLiteral("本地设置指纹与设置基线一致。请在打印机面板上确认裁切设置。"));
     EXPECT_EQ(baselineBytes(), bytes);
 }
 
