@@ -64,7 +64,7 @@ TEST(OrvexDateTime, isInTheFormOfTheLanguage) {
 }
 
 TEST(OrvexDateTime, isInTheLocalTimeZone) {
-    const InTimeZone zone("XXX-8"); // eight hours before UTC
+    const InTimeZone zone("<+08>-8"); // eight hours ahead of UTC; POSIX counts to the west
     EXPECT_EQ(orvexDateTime(morning).toStdString(), "11/21/26 3:05 PM");
 }
 

@@ -53,13 +53,13 @@ TEST_F(Operation, ShowsItsProgressUntilItsEnd) {
 }
 
 TEST_F(Operation, IsCancelledOnlyIfItCanBe) {
-    SessionOperation stubborn(*model);
+    SessionOperation uncancellable(*model);
     SessionOperation operation(*model, SessionOperation::Cancelling::possible);
-    stubborn.show(half());
+    uncancellable.show(half());
     EXPECT_FALSE(model->progress()->isCancellable);
     operation.show(half());
     model->cancelOperation();
-    EXPECT_FALSE(stubborn.stopToken().stop_requested());
+    EXPECT_FALSE(uncancellable.stopToken().stop_requested());
     EXPECT_TRUE(operation.stopToken().stop_requested());
     EXPECT_EQ(model->progress(), half()) << "which can no longer be cancelled";
     operation.show(half());
