@@ -5,6 +5,7 @@
 #include "Files/FileReplacer.h"
 #include "FolderContent.h"
 #include "ForkedWork.h"
+#include "OnPrivateMachine.h"
 #include "PrivateDisk.h"
 #include "SavedKinds.h"
 #include "TemporaryFolder.h"
@@ -36,14 +37,7 @@ constexpr const char* isForbidden = ": Permission denied";
 constexpr const char* isALink = "The file is missing, is not a regular file, or is a link: ";
 
 /// Needs disks of its own; without the superuser's rights there are none.
-class Disks : public ::testing::Test {
-protected:
-    void SetUp() override {
-        if (!test::PrivateMachine::refusal().empty()) {
-            GTEST_SKIP() << "no private disk: " << test::PrivateMachine::refusal();
-        }
-    }
-};
+class Disks : public test::OnPrivateMachine<> {};
 
 /// Fills the disk of a folder but for so many bytes, in whole pages.
 void fill(const QString& folder, qint64 bytesLeft) {

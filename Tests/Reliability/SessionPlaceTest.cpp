@@ -4,6 +4,7 @@
 #include "FolderContent.h"
 #include "ForkedWork.h"
 #include "NoDesktop.h"
+#include "OnPrivateMachine.h"
 #include "OrvexError.h"
 #include "OrvexModel.h"
 #include "PrivateDisk.h"
@@ -23,7 +24,7 @@ constexpr qint64 diskBytes = 256 * 1024;
 const QString notRead = QStringLiteral("The autosaved layout could not be read. The original file has been retained. "
                                        "Save the layout as a new file.");
 
-class SessionPlace : public ::testing::Test {
+class SessionPlace : public test::OnPrivateMachine<> {
 protected:
     SessionPlace() {
         qputenv("HOME", root_.path().toUtf8());
@@ -32,9 +33,7 @@ protected:
     }
 
     void SetUp() override {
-        if (!test::PrivateMachine::refusal().empty()) {
-            GTEST_SKIP() << "no private disk: " << test::PrivateMachine::refusal();
-        }
+        OnPrivateMachine::SetUp();
         ASSERT_EQ(::chmod(root_.path().toUtf8().constData(), 0755), 0);
     }
 

@@ -1,4 +1,4 @@
-#include "PrivateMachine.h"
+#include "OnPrivateMachine.h"
 #include "PrivateScheduler.h"
 #include "SessionFixture.h"
 #include "SilentScheduler.h"
@@ -13,15 +13,9 @@ const QString wide = QStringLiteral("Canon_iPF9400");
 const QString office = QStringLiteral("A_Office");
 
 /// A session with the readings of the machine itself.
-class SessionRefresh : public test::SessionTest {
+class SessionRefresh : public test::OnPrivateMachine<test::SessionTest> {
 protected:
     SessionRefresh() { readings = MachineReadings::standard(); }
-
-    void SetUp() override {
-        if (!test::PrivateMachine::refusal().empty()) {
-            GTEST_SKIP() << "no private print system: " << test::PrivateMachine::refusal();
-        }
-    }
 
     void refresh() {
         model->refresh();
