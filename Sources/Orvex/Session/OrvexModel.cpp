@@ -128,14 +128,6 @@ void OrvexModel::later(std::function<void()> work) {
     QMetaObject::invokeMethod(this, unlessClosing, Qt::QueuedConnection);
 }
 
-void OrvexModel::updateForm(const std::function<void(PresetForm&)>& change) {
-    presetForm.update(change);
-}
-
-void OrvexModel::updatePrinters(const std::function<void(PrinterReadings&)>& change) {
-    printerReadings.update(change);
-}
-
 void OrvexModel::clearColorConfirmation() {
     setDriverColorCorrectionDisabledConfirmed(false);
 }

@@ -214,8 +214,6 @@ private:
 
     // What the commands share
     void later(std::function<void()> work);
-    void updateForm(const std::function<void(PresetForm&)>& change);
-    void updatePrinters(const std::function<void(PrinterReadings&)>& change);
     void clearColorConfirmation();
     void recordStep(const std::optional<RollLayout>& step);
     void edit(const std::function<void(RollLayout&)>& change);

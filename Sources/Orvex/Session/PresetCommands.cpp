@@ -13,37 +13,37 @@ namespace orvex {
 // The form of the output controls
 
 void OrvexModel::setMediaName(const QString& value) {
-    updateForm([&](PresetForm& form) { form.mediaName = value; });
+    presetForm.update([&](PresetForm& form) { form.mediaName = value; });
 }
 
 void OrvexModel::setMediaNote(const QString& value) {
-    updateForm([&](PresetForm& form) { form.settings.mediaNote = value; });
+    presetForm.update([&](PresetForm& form) { form.settings.mediaNote = value; });
 }
 
 void OrvexModel::setQualityChoice(const QString& value) {
-    updateForm([&](PresetForm& form) { form.qualityChoice = value; });
+    presetForm.update([&](PresetForm& form) { form.qualityChoice = value; });
 }
 
 void OrvexModel::setPresetName(const QString& value) {
-    updateForm([&](PresetForm& form) { form.presetName = value; });
+    presetForm.update([&](PresetForm& form) { form.presetName = value; });
 }
 
 void OrvexModel::setColorManagementMode(ColorManagementMode mode) {
     if (presetForm().colorWorkflow.mode == mode) {
         return;
     }
-    updateForm([&](PresetForm& form) {
+    presetForm.update([&](PresetForm& form) {
         form.colorWorkflow.mode = mode;
         form.colorWorkflow.driverColorCorrectionDisabledConfirmed = false; // it was given for the other mode
     });
 }
 
 void OrvexModel::setColorRenderingIntent(ColorRenderingIntent intent) {
-    updateForm([&](PresetForm& form) { form.colorWorkflow.intent = intent; });
+    presetForm.update([&](PresetForm& form) { form.colorWorkflow.intent = intent; });
 }
 
 void OrvexModel::setDriverColorCorrectionDisabledConfirmed(bool value) {
-    updateForm([&](PresetForm& form) { form.colorWorkflow.driverColorCorrectionDisabledConfirmed = value; });
+    presetForm.update([&](PresetForm& form) { form.colorWorkflow.driverColorCorrectionDisabledConfirmed = value; });
 }
 
 // The output profile
@@ -65,7 +65,7 @@ void OrvexModel::inspectICC() {
         errorMessage.set(failure);
         return;
     }
-    updateForm([&](PresetForm& form) {
+    presetForm.update([&](PresetForm& form) {
         form.icc = profile;
         form.iccAsset = asset;
     });
@@ -76,7 +76,7 @@ void OrvexModel::inspectICC() {
 }
 
 void OrvexModel::clearICC() {
-    updateForm([](PresetForm& form) {
+    presetForm.update([](PresetForm& form) {
         form.icc.reset();
         form.iccAsset.reset();
     });
@@ -125,7 +125,7 @@ void OrvexModel::choosePreset(const QString& id) {
         static_cast<void>(applyPreset(*preset, true)); // a failure has been told
         return;
     }
-    updateForm([&](PresetForm& form) { form.selectedPresetID = id; });
+    presetForm.update([&](PresetForm& form) { form.selectedPresetID = id; });
 }
 
 void OrvexModel::savePreset(bool asNew) {
@@ -154,7 +154,7 @@ void OrvexModel::savePreset(bool asNew) {
         return;
     }
     presets.set(stored);
-    updateForm([&](PresetForm& form) { form.selectedPresetID = platform::uuidText(preset.id); });
+    presetForm.update([&](PresetForm& form) { form.selectedPresetID = platform::uuidText(preset.id); });
     if (canvasPreference && canvasPreference->presetID == preset.id) {
         canvasDefaultName.set(storedName);
     }
@@ -181,7 +181,7 @@ void OrvexModel::deletePreset() {
         return;
     }
     presets.set(stored);
-    updateForm([](PresetForm& form) { form.selectedPresetID.clear(); });
+    presetForm.update([](PresetForm& form) { form.selectedPresetID.clear(); });
     message.set(spt("已删除本地预设。", "The local preset was deleted."));
 }
 

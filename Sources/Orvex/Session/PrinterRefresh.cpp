@@ -45,7 +45,7 @@ QCoro::Task<> OrvexModel::refresh() {
         co_await readQueues();
         const QString queue = printerReadings().selectedPrinterName;
         if (queue.isEmpty()) {
-            updatePrinters([](PrinterReadings& readings) { readings.telemetry.reset(); });
+            printerReadings.update([](PrinterReadings& readings) { readings.telemetry.reset(); });
         } else {
             co_await readSelectedQueue(queue);
         }
@@ -72,14 +72,14 @@ QCoro::Task<> OrvexModel::readQueues() {
         failure = failureMessage(exception);
     }
     if (failure) {
-        updatePrinters([&](PrinterReadings& readings) { readings.lastRefreshError = failure; });
+        printerReadings.update([&](PrinterReadings& readings) { readings.lastRefreshError = failure; });
         errorMessage.set(spt("无法读取打印机状态：%1", "Could not read printer status: %1").arg(*failure));
     }
 }
 
 void OrvexModel::takePrinters(const QList<PrinterSnapshot>& printers) {
     bool isSelectionLost = false;
-    updatePrinters([&](PrinterReadings& readings) { isSelectionLost = readings.takePrinters(printers); });
+    printerReadings.update([&](PrinterReadings& readings) { isSelectionLost = readings.takePrinters(printers); });
     if (isSelectionLost) {
         forgetPrinterChoices();
     }
@@ -87,7 +87,7 @@ void OrvexModel::takePrinters(const QList<PrinterSnapshot>& printers) {
 
 /// Forgets what was chosen for a queue that is no longer selected.
 void OrvexModel::forgetPrinterChoices() {
-    updateForm([](PresetForm& form) {
+    presetForm.update([](PresetForm& form) {
         form.qualityChoice.clear();
         form.settings.driverPageSize.clear();
     });
@@ -116,7 +116,7 @@ QCoro::Task<> OrvexModel::readSelectedQueue(QString queue) {
         const QFuture<QMap<QString, Size>> readingPapers = readings_.readPaperGeometry(queue);
         const QMap<QString, Size> papers = co_await readingPapers;
         if (printerReadings().selectedPrinterName == queue) {
-            updatePrinters([&](PrinterReadings& readings) { readings.paperGeometry = papers; });
+            printerReadings.update([&](PrinterReadings& readings) { readings.paperGeometry = papers; });
         }
         const QFuture<PrinterTelemetrySnapshot> readingState = readings_.readTelemetry(queue, closing_.get_token());
         const PrinterTelemetrySnapshot state = co_await readingState;
@@ -135,21 +135,21 @@ void OrvexModel::takeTelemetry(const PrinterTelemetrySnapshot& state, const QStr
     if (printerReadings().selectedPrinterName != queue) {
         return;
     }
-    updatePrinters([&](PrinterReadings& readings) {
+    printerReadings.update([&](PrinterReadings& readings) {
         readings.telemetry = state;
         readings.telemetryError.reset();
     });
 }
 
 void OrvexModel::forgetTelemetry(const QString& reason) {
-    updatePrinters([&](PrinterReadings& readings) {
+    printerReadings.update([&](PrinterReadings& readings) {
         readings.telemetry.reset();
         readings.telemetryError = reason;
     });
 }
 
 void OrvexModel::selectPrinter(const QString& name) {
-    updatePrinters([&](PrinterReadings& readings) {
+    printerReadings.update([&](PrinterReadings& readings) {
         readings.selectedPrinterName = name;
         readings.telemetry.reset();
     });

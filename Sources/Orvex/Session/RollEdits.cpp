@@ -49,7 +49,7 @@ void OrvexModel::syncSelectedArtwork() {
     }
     image.set(metadataFor(*selected));
     const bool isTurned = selected->rotationQuarterTurns % 2 != 0;
-    updateForm([&](PresetForm& form) {
+    presetForm.update([&](PresetForm& form) {
         form.settings =
             BorderedArtworkLayout::draft(PageWidthInches{selected->widthInches + PrintUnits::bothBordersInches},
                                          isTurned ? selected->pixelHeight : selected->pixelWidth,
