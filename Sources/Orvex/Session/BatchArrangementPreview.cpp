@@ -32,12 +32,7 @@ double BatchArrangementPreview::utilization() const {
 }
 
 double BatchArrangementPreview::imageUtilization() const {
-    double covered = 0.0;
-    for (const RollArtwork& item : layout.items) {
-        covered += item.widthInches * item.heightInches();
-    }
-    const double canvas = layout.widthInches * layout.lengthInches();
-    return canvas > 0.0 ? std::clamp(covered / canvas * 100.0, 0.0, 100.0) : 0.0;
+    return imageUtilizationPercent(layout);
 }
 
 double BatchArrangementPreview::savedLength() const {

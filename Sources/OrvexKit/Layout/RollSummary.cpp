@@ -6,14 +6,35 @@
 
 namespace orvex {
 
-double utilizationPercent(const RollLayout& layout) {
+namespace {
+
+/// How much of the canvas is covered, in percent, by that many square inches of each artwork.
+double coveredPercent(const RollLayout& layout, double (*areaOf)(const RollArtwork&)) {
     double covered = 0;
     for (const RollArtwork& item : layout.items) {
-        const Rect frame = item.trimRectInches();
-        covered += frame.width * frame.height;
+        covered += areaOf(item);
     }
     const double canvas = layout.widthInches * layout.lengthInches();
     return canvas > 0 ? std::clamp(covered / canvas * 100, 0.0, 100.0) : 0.0;
+}
+
+double trimArea(const RollArtwork& item) {
+    const Rect frame = item.trimRectInches();
+    return frame.width * frame.height;
+}
+
+double imageArea(const RollArtwork& item) {
+    return item.widthInches * item.heightInches();
+}
+
+} // namespace
+
+double utilizationPercent(const RollLayout& layout) {
+    return coveredPercent(layout, trimArea);
+}
+
+double imageUtilizationPercent(const RollLayout& layout) {
+    return coveredPercent(layout, imageArea);
 }
 
 std::optional<QString> rollAdvisory(const RollLayout& layout) {
