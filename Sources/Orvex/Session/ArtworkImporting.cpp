@@ -111,7 +111,7 @@ void OrvexModel::relinkSelectedArtwork() {
 QCoro::Task<> OrvexModel::runRelink(RollArtwork artwork, QUrl file) {
     SessionOperation operation(*this);
     try {
-        const SessionProgress start = SessionProgress::of(0, 1, spt("读取原图", "Reading originals"));
+        const SessionProgress start = SessionProgress::ofReading(0, 1);
         const QFuture<SharedImageMetadata> inspecting = inspect(file, start, operation);
         const SharedImageMetadata metadata = co_await inspecting;
         replaceSource(artwork, metadata);

@@ -73,8 +73,7 @@ QCoro::Task<> OrvexModel::restoreRollPreviews(bool force) {
     const QList<RollArtwork> items = rollLayout().items;
     for (qsizetype index = 0; index < items.size() && !operation.stopToken().stop_requested(); ++index) {
         if (!isOfArtwork(artworkPreviews().value(items[index].id), items[index])) {
-            const SessionProgress start =
-                SessionProgress::of(index, items.size(), spt("读取原图", "Reading originals"));
+            const SessionProgress start = SessionProgress::ofReading(index, items.size());
             co_await restoreSource(items[index], start, operation);
         }
     }

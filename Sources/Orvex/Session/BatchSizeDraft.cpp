@@ -29,6 +29,10 @@ bool isPositive(const std::optional<double>& value) {
 
 } // namespace
 
+QString batchSizeNotPositive() {
+    return spt("请输入大于零的有效尺寸（英寸）。", "Enter a valid size greater than zero, in inches.");
+}
+
 BatchSizeDraft BatchSizeDraft::make(const RollArtwork& item, double rollWidth) {
     BatchSizeDraft row{.item = item,
                        .rollWidth = rollWidth,
@@ -89,9 +93,7 @@ BatchArtworkSizeRequest BatchSizeDraft::request() const {
         throw OrvexError::invalid(u'「' + LayoutTexts::titled(item.title + u'」', *sizingIssue));
     }
     if (!isPositive(width) || !isPositive(height)) {
-        throw OrvexError::invalid(
-            spt("「%1」：请输入大于零的有效尺寸（英寸）。", "“%1”: Enter a valid size greater than zero, in inches.")
-                .arg(item.title));
+        throw OrvexError::invalid(spt("「%1」：", "“%1”: ").arg(item.title) + batchSizeNotPositive());
     }
     return {.id = item.id, .widthInches = width, .heightInches = height};
 }

@@ -17,6 +17,9 @@ struct BatchFieldID {
     bool operator==(const BatchFieldID&) const = default;
 };
 
+/// What to say of an entry that is no size, in the current language.
+[[nodiscard]] QString batchSizeNotPositive();
+
 /// One row of the table of print sizes: what was typed for an artwork, and the size that comes of it. Inches, border
 /// excluded. Numbers are read and shown in the current locale. Main thread.
 struct BatchSizeDraft {

@@ -154,7 +154,7 @@ void BatchSizingModel::fillCommonSize() {
     }
     const auto size = PrintUnits::parseDecimalInput(commonSize_, QLocale());
     if (!size || *size <= 0.0) {
-        report(spt("请输入大于零的有效尺寸（英寸）。", "Enter a valid size greater than zero, in inches."));
+        report(batchSizeNotPositive());
         return;
     }
     for (BatchSizeDraft& each : rows_) {

@@ -202,6 +202,8 @@ private:
     friend class SessionOperation;
     friend class SessionBackdoor; // of the tests
 
+    using HistoryStep = std::optional<RollLayout> (RollHistory::*)(const RollLayout& current);
+
     // Start-up
     void lockStores();
     [[nodiscard]] bool isReadOnly() const;
@@ -218,6 +220,7 @@ private:
     void recordStep(const std::optional<RollLayout>& step);
     void edit(const std::function<void(RollLayout&)>& change);
     void applyEdit(const RollLayout& edited);
+    void goThroughHistory(HistoryStep step);
     void applyHistoryStep(const RollLayout& layout);
     void syncSelectedArtwork();
     void selectKnown(const std::optional<QUuid>& id);

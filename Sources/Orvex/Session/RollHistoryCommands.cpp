@@ -19,21 +19,20 @@ void OrvexModel::recordStep(const std::optional<RollLayout>& step) {
 }
 
 void OrvexModel::undoRollEdit() {
-    endKeyboardNudge();
-    if (busy()) {
-        return;
-    }
-    if (const auto layout = rollHistory.undo(rollLayout())) {
-        applyHistoryStep(*layout);
-    }
+    goThroughHistory(&RollHistory::undo);
 }
 
 void OrvexModel::redoRollEdit() {
+    goThroughHistory(&RollHistory::redo);
+}
+
+/// Takes the layout that a step of undo or redo leads to, if there is one.
+void OrvexModel::goThroughHistory(HistoryStep step) {
     endKeyboardNudge();
     if (busy()) {
         return;
     }
-    if (const auto layout = rollHistory.redo(rollLayout())) {
+    if (const auto layout = (rollHistory.*step)(rollLayout())) {
         applyHistoryStep(*layout);
     }
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OrvexLanguage.h"
+
 #include <QString>
 
 namespace orvex {
@@ -18,6 +20,11 @@ struct SessionProgress {
                 .total = total,
                 .what = what,
                 .fraction = static_cast<double>(done) / static_cast<double>(total)};
+    }
+
+    /// The same where the originals of the artworks are read.
+    [[nodiscard]] static SessionProgress ofReading(qsizetype done, qsizetype total) {
+        return of(done, total, spt("读取原图", "Reading originals"));
     }
 
     bool operator==(const SessionProgress&) const = default;
