@@ -4,7 +4,6 @@
 namespace orvex {
 namespace {
 
-using test::hold;
 using test::readyState;
 using test::stoppedState;
 using test::waitFor;
@@ -49,10 +48,7 @@ TEST_F(FreshReadiness, IsRefusedByAQueueWhoseStateIsUnknown) {
 }
 
 TEST_F(FreshReadiness, IsRefusedIfTheQueueCannotBeRead) {
-    const auto states = hold(readings.readTelemetry);
-    prepare();
-    model->printCurrentRoll();
-    waitFor([&] { return states->isAwaited(); });
+    const auto states = printUntilAsked();
     EXPECT_TRUE(temporaryFolders().isEmpty()); // no folder before the queue is known
     states->fail(QStringLiteral("No answer."));
     settle();
@@ -63,10 +59,7 @@ TEST_F(FreshReadiness, IsRefusedIfTheQueueCannotBeRead) {
 
 TEST_F(FreshReadiness, IsRefusedInChineseIfTheQueueCannotBeRead) {
     const test::InChinese chinese;
-    const auto states = hold(readings.readTelemetry);
-    prepare();
-    model->printCurrentRoll();
-    waitFor([&] { return states->isAwaited(); });
+    const auto states = printUntilAsked();
     states->fail(QStringLiteral("没有回应。"));
     settle();
     expectRefused(
@@ -75,10 +68,7 @@ TEST_F(FreshReadiness, IsRefusedInChineseIfTheQueueCannotBeRead) {
 }
 
 TEST_F(FreshReadiness, TakesNoFailureOfAQueueThatIsNoLongerSelected) {
-    const auto states = hold(readings.readTelemetry);
-    prepare();
-    model->printCurrentRoll();
-    waitFor([&] { return states->isAwaited(); });
+    const auto states = printUntilAsked();
     select(other);
     PrinterReadings known = model->printerReadings();
     known.telemetry = readyState(other);
@@ -90,12 +80,8 @@ TEST_F(FreshReadiness, TakesNoFailureOfAQueueThatIsNoLongerSelected) {
 }
 
 TEST_F(FreshReadiness, StopsBeforeTheWindowIfTheQueueWasStoppedDuringTheRender) {
-    const auto states = hold(readings.readTelemetry);
-    prepare();
-    model->printCurrentRoll();
-    waitFor([&] { return states->isAwaited(); });
-    states->answer(readyState(queue));
-    waitFor([&] { return states->isAwaited(); });
+    const auto states = printUntilAsked();
+    answerUntilAskedAgain(states);
     ASSERT_EQ(temporaryFolders().size(), 1);
     const QDir print(folder.path(QStringLiteral("tmp/")) + temporaryFolders().first());
     EXPECT_EQ(print.entryList(QDir::Files), QStringList{QStringLiteral("orvex-卷布打印.pdf")});
@@ -121,12 +107,8 @@ TEST_F(FreshReadiness, ThatIsCancelledWhileItRendersLeavesNothing) {
 
 TEST_F(FreshReadiness, OpensNoWindowIfItIsCancelledDuringTheLastLookAtTheQueue) {
     const test::InChinese chinese;
-    const auto states = hold(readings.readTelemetry);
-    prepare();
-    model->printCurrentRoll();
-    waitFor([&] { return states->isAwaited(); });
-    states->answer(readyState(queue));
-    waitFor([&] { return states->isAwaited(); });
+    const auto states = printUntilAsked();
+    answerUntilAskedAgain(states);
     model->cancelOperation();
     states->answer(readyState(queue));
     settle();

@@ -144,13 +144,9 @@ TEST_F(Printing, SpeaksChinese) {
                   QStringLiteral("请在系统打印窗口核对纸张、100% 实际尺寸、画布、颜色和裁切设置，再点击打印。"));
         return true;
     });
-    const auto states = hold(readings.readTelemetry);
-    prepare();
-    model->printCurrentRoll();
-    waitFor([&] { return states->isAwaited(); });
+    const auto states = printUntilAsked();
     EXPECT_EQ(model->message(), QStringLiteral("正在生成原始分辨率的卷布打印文件…"));
-    states->answer(readyState(queue));
-    waitFor([&] { return states->isAwaited(); });
+    answerUntilAskedAgain(states);
     states->answer(readyState(queue));
     waitFor([this] { return windows == 1; });
     EXPECT_EQ(model->message(),
@@ -214,10 +210,7 @@ TEST_F(Printing, TakesTwoFastClicksForOne) {
 
 TEST_F(Printing, TakesNoClickWhileItPrepares) {
     inWindow([] { return true; });
-    const auto states = hold(readings.readTelemetry);
-    prepare();
-    model->printCurrentRoll();
-    waitFor([&] { return states->isAwaited(); });
+    const auto states = printUntilAsked();
     EXPECT_EQ(model->message(), QStringLiteral("Preparing an original-resolution print file for the roll…"));
     model->printCurrentRoll();
     QCoreApplication::processEvents();
@@ -243,15 +236,11 @@ TEST_F(Printing, GivesWayToWorkThatBeganInTheMeantime) {
 
 TEST_F(Printing, IsNotReachedByLaterEdits) {
     inWindow([] { return true; });
-    const auto states = hold(readings.readTelemetry);
-    prepare();
-    model->printCurrentRoll();
-    waitFor([&] { return states->isAwaited(); });
+    const auto states = printUntilAsked();
     SessionBackdoor::set(model->rollLayout, RollLayout());
     model->setColorManagementMode(ColorManagementMode::appManaged);
     select(other);
-    states->answer(readyState(queue));
-    waitFor([&] { return states->isAwaited(); });
+    answerUntilAskedAgain(states);
     states->answer(readyState(queue));
     waitFor([this] { return windows == 1; });
     ASSERT_EQ(services.prints.size(), 1);

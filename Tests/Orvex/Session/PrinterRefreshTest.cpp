@@ -12,7 +12,21 @@ using test::waitFor;
 
 const QMap<QString, Size> papers{{QStringLiteral("A4"), Size{595.0, 842.0}}};
 
-class Refresh : public test::RefreshTest {};
+class Refresh : public test::RefreshTest {
+protected:
+    /// Begins a pass, and waits until it asks for what the test holds.
+    void refreshUntilAsked(const auto& held) {
+        model->refresh();
+        waitFor([&] { return held->isAwaited(); });
+    }
+
+    /// Starts the session, and selects another printer while a pass waits for what the test holds.
+    void selectOtherDuringPass(const auto& held) {
+        start();
+        refreshUntilAsked(held);
+        model->selectPrinter(other);
+    }
+};
 
 // One pass
 
@@ -169,20 +183,17 @@ TEST_F(Refresh, ThatSucceedsLeavesAnOlderErrorOnTheScreen) {
 TEST_F(Refresh, TellsWhyTheStateCouldNotBeReadWithoutAnAlert) {
     const auto states = hold(readings.readTelemetry);
     start();
-    model->refresh();
-    waitFor([&] { return states->isAwaited(); });
+    refreshUntilAsked(states);
     states->answer(readyState(queue));
     settle();
-    model->refresh();
-    waitFor([&] { return states->isAwaited(); });
+    refreshUntilAsked(states);
     EXPECT_EQ(printers().telemetry, readyState(queue)); // until there is news
     states->fail(QStringLiteral("No answer."));
     settle();
     EXPECT_EQ(printers().telemetry, std::nullopt);
     EXPECT_EQ(printers().telemetryError, QStringLiteral("No answer."));
     EXPECT_EQ(model->errorMessage(), std::nullopt);
-    model->refresh();
-    waitFor([&] { return states->isAwaited(); });
+    refreshUntilAsked(states);
     states->answer(readyState(queue));
     settle();
     EXPECT_EQ(printers().telemetryError, std::nullopt);
@@ -192,8 +203,7 @@ TEST_F(Refresh, ChecksTheSettingsAfterAStateThatCouldNotBeRead) {
     const auto states = hold(readings.readTelemetry);
     const auto checks = hold(readings.captureSettings);
     start();
-    model->refresh();
-    waitFor([&] { return states->isAwaited(); });
+    refreshUntilAsked(states);
     EXPECT_EQ(checks->count(), 0U);
     states->fail(QStringLiteral("No answer."));
     waitFor([&] { return checks->isAwaited(); });
@@ -205,10 +215,7 @@ TEST_F(Refresh, ChecksTheSettingsAfterAStateThatCouldNotBeRead) {
 
 TEST_F(Refresh, DropsThePapersOfAQueueThatIsNoLongerSelected) {
     const auto sizes = hold(readings.readPaperGeometry);
-    start();
-    model->refresh();
-    waitFor([&] { return sizes->isAwaited(); });
-    model->selectPrinter(other);
+    selectOtherDuringPass(sizes);
     sizes->answer(papers);
     settle();
     EXPECT_EQ(printers().selectedPrinterName, other);
@@ -217,10 +224,7 @@ TEST_F(Refresh, DropsThePapersOfAQueueThatIsNoLongerSelected) {
 
 TEST_F(Refresh, DropsTheStateOfAQueueThatIsNoLongerSelected) {
     const auto states = hold(readings.readTelemetry);
-    start();
-    model->refresh();
-    waitFor([&] { return states->isAwaited(); });
-    model->selectPrinter(other);
+    selectOtherDuringPass(states);
     states->answer(readyState(queue));
     settle();
     EXPECT_EQ(printers().telemetry, std::nullopt);
@@ -229,10 +233,7 @@ TEST_F(Refresh, DropsTheStateOfAQueueThatIsNoLongerSelected) {
 
 TEST_F(Refresh, ShowsAFailureOfAQueueThatIsNoLongerSelected) {
     const auto states = hold(readings.readTelemetry);
-    start();
-    model->refresh();
-    waitFor([&] { return states->isAwaited(); });
-    model->selectPrinter(other);
+    selectOtherDuringPass(states);
     PrinterReadings withState = printers();
     withState.telemetry = readyState(other);
     SessionBackdoor::set(model->printerReadings, withState);
@@ -249,10 +250,7 @@ TEST_F(Refresh, GoesOnWithTheQueueThatItBeganWith) {
         asked.append(name);
         return QtFuture::makeReadyFuture(readyState(name));
     };
-    start();
-    model->refresh();
-    waitFor([&] { return sizes->isAwaited(); });
-    model->selectPrinter(other);
+    selectOtherDuringPass(sizes);
     sizes->answer(papers);
     settle();
     EXPECT_EQ(asked, QStringList{queue});
@@ -299,17 +297,13 @@ TEST_F(Refresh, FollowsAChangeOfPrinter) {
 
 TEST_F(Refresh, ThatRunsSwallowsTheOneOfAChangeOfPrinter) {
     const auto checks = hold(readings.captureSettings);
-    start();
-    model->refresh();
-    waitFor([&] { return checks->isAwaited(); });
-    model->selectPrinter(other);
+    selectOtherDuringPass(checks);
     QCoreApplication::processEvents();
     checks->answer({});
     settle();
     EXPECT_EQ(checks->count(), 1U);
     EXPECT_EQ(printers().telemetry, std::nullopt);
-    model->refresh();
-    waitFor([&] { return checks->isAwaited(); });
+    refreshUntilAsked(checks);
     EXPECT_EQ(printers().telemetry->queueName, other);
     checks->answer({});
 }

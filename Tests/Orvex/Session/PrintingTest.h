@@ -55,6 +55,23 @@ protected:
         settle();
     }
 
+    using HeldStates = std::shared_ptr<HeldReading<PrinterTelemetrySnapshot>>;
+
+    /// Starts the session and prints the roll up to where the queue is asked for its state, which the test answers.
+    [[nodiscard]] HeldStates printUntilAsked() {
+        HeldStates states = hold(readings.readTelemetry);
+        prepare();
+        model->printCurrentRoll();
+        waitFor([&] { return states->isAwaited(); });
+        return states;
+    }
+
+    /// The queue is ready; waits until it is asked again, after the rendering.
+    void answerUntilAskedAgain(const HeldStates& states) const {
+        states->answer(readyState(queue));
+        waitFor([&] { return states->isAwaited(); });
+    }
+
     [[nodiscard]] QStringList temporaryFolders() const {
         return QDir(folder.path(QStringLiteral("tmp"))).entryList({QStringLiteral("orvex-print-*")}, QDir::Dirs);
     }

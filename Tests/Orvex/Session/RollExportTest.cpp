@@ -281,28 +281,7 @@ TEST_F(Export, ToAPlaceThatCannotBeWrittenIsTold) {
 
 TEST_F(Export, CanBeCancelledAndThenKeepsWhatIsThere) {
     importTwo();
-    folder.write(QStringLiteral("roll.pdf"), "old");
-    const QStringList names = folder.names();
-    for (const bool isChinese : {false, true}) {
-        std::optional<test::InChinese> chinese;
-        if (isChinese) {
-            chinese.emplace();
-        }
-        services.chosenPlaces = {QUrl::fromLocalFile(place)};
-        {
-            const test::Barrier barrier;
-            model->exportRollPDF();
-            model->cancelOperation();
-        }
-        settle();
-        EXPECT_EQ(model->message(), isChinese ? QStringLiteral("已取消导出，没有写入 PDF。")
-                                              : QStringLiteral("The export was cancelled. No PDF was written."));
-        EXPECT_EQ(model->errorMessage(), std::nullopt);
-        EXPECT_EQ(test::TemporaryFolder::read(place), "old");
-        EXPECT_EQ(folder.names(), names);
-        EXPECT_FALSE(model->busy());
-        EXPECT_TRUE(services.revealed.isEmpty());
-    }
+    expectCancelled(QStringLiteral("roll.pdf"), [this] { model->exportRollPDF(); });
     exportRoll();
     EXPECT_NO_THROW(static_cast<void>(NativePrintFactory::openDocument(QUrl::fromLocalFile(place), 60.0, 13.0)));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "InChinese.h"
 #include "SessionFixture.h"
 
 namespace orvex::test {
@@ -37,6 +38,34 @@ protected:
 
     [[nodiscard]] QStringList pdfNames() const {
         return QDir(stored({})).entryList({QStringLiteral("*.pdf")}, QDir::Files | QDir::Hidden);
+    }
+
+    /// Starts an export to this file of the test's folder and cancels it, in both languages: what is there stays, and
+    /// it is told.
+    void expectCancelled(const QString& name, const std::function<void()>& startExport) {
+        expectCancelled(name, startExport, QStringLiteral("The export was cancelled. No PDF was written."));
+        const InChinese chinese;
+        expectCancelled(name, startExport, QStringLiteral("已取消导出，没有写入 PDF。"));
+    }
+
+private:
+    void expectCancelled(const QString& name, const std::function<void()>& startExport, const QString& message) {
+        const QString place = folder.write(name, "old");
+        const QStringList names = folder.names();
+        services.chosenPlaces = {QUrl::fromLocalFile(place)};
+        {
+            const Barrier barrier;
+            startExport();
+            model->cancelOperation();
+        }
+        settle();
+        EXPECT_EQ(model->message(), message);
+        EXPECT_EQ(model->errorMessage(), std::nullopt);
+        EXPECT_EQ(TemporaryFolder::read(place), "old");
+        EXPECT_EQ(folder.names(), names);
+        EXPECT_FALSE(model->busy());
+        EXPECT_EQ(model->progress(), std::nullopt);
+        EXPECT_TRUE(services.revealed.isEmpty());
     }
 };
 

@@ -2,6 +2,7 @@
 
 #include "CanvasTest.h"
 #include "InChinese.h"
+#include "LayoutFile.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,51 +10,23 @@
 namespace orvex {
 namespace {
 
+using test::layoutFile;
 using test::TemporaryFolder;
 
 const QString notRead = QStringLiteral("The autosaved layout could not be read. The original file has been retained. "
                                        "Save the layout as a new file.");
 const char* const badData = "The layout file version or data is invalid. The original file has been retained.";
 
-constexpr auto soundFile = R"({
-    "gapInches": 0.5,
-    "layout": {
-        "items": [
-            {
-                "id": "00000001-0000-0000-0000-000000000000",
-                "originalHeightInches": 20,
-                "originalWidthInches": 10,
-                "pixelHeight": 20000,
-                "pixelWidth": 10000,
-                "rotationQuarterTurns": 0,
-                "sourceURL": "file:///images/art1.png",
-                "title": "art1",
-                "widthInches": 10,
-                "xInches": 1.5,
-                "yInches": 2
-            }
-        ],
-        "schemaVersion": 1,
-        "widthInches": 60
-    },
-    "selection": "00000001-0000-0000-0000-000000000000",
-    "sizingDescriptions": {
-        "00000001-0000-0000-0000-000000000000": "from the file"
-    },
-    "version": 1
-}
-)";
-
-/// The sound file with one text in place of another.
+/// The layout file with one text in place of another.
 QByteArray changed(const QByteArray& from, const QByteArray& to) {
-    QByteArray file(soundFile);
+    QByteArray file(layoutFile);
     if (!file.contains(from)) {
-        throw std::runtime_error("the sound file lacks what a test changes");
+        throw std::runtime_error("the layout file lacks what a test changes");
     }
     return file.replace(file.indexOf(from), from.size(), to);
 }
 
-/// The sound file without the line of a key.
+/// The layout file without the line of a key.
 QByteArray without(const QByteArray& key) {
     return changed('"' + key + "\":", '"' + key.toUpper() + "\":");
 }
@@ -70,9 +43,9 @@ const QList<BadFile>& badFiles() {
         {"OneByte", "{", "Not valid JSON"},
         {"Blank", "  \n\n", "Not valid JSON"},
         {"NulBytes", QByteArray(4096, '\0'), "Not valid JSON"},
-        {"CutInTheMiddle", QByteArray(soundFile).left(400), "Not valid JSON"},
-        {"CutBeforeTheEnd", QByteArray(soundFile).chopped(2), "Not valid JSON"},
-        {"TwoObjects", QByteArray(soundFile) + soundFile, "Not valid JSON"},
+        {"CutInTheMiddle", QByteArray(layoutFile).left(400), "Not valid JSON"},
+        {"CutBeforeTheEnd", QByteArray(layoutFile).chopped(2), "Not valid JSON"},
+        {"TwoObjects", QByteArray(layoutFile) + layoutFile, "Not valid JSON"},
         {"BadUtf8", changed("art1\",\n", "art\xff\",\n"), "Not valid JSON"},
         {"AnArray", "[]", ""},
         {"ANumber", "1", ""},
@@ -90,8 +63,8 @@ const QList<BadFile>& badFiles() {
         {"NoItems", without("items"), "layout.items"},
         {"NoTitle", without("title"), "title"},
         {"NoSource", without("sourceURL"), "sourceURL"},
-        {"NegativeGap", changed("\"gapInches\": 0.5", "\"gapInches\": -0.5"), badData},
-        {"HugeGap", changed("\"gapInches\": 0.5", "\"gapInches\": 1e999"), ""},
+        {"NegativeGap", changed("\"gapInches\": 0.25", "\"gapInches\": -0.25"), badData},
+        {"HugeGap", changed("\"gapInches\": 0.25", "\"gapInches\": 1e999"), ""},
         {"NarrowRoll", changed("\"widthInches\": 60", "\"widthInches\": 5"), "Roll width must be a valid value"},
         {"WideRoll", changed("\"widthInches\": 60", "\"widthInches\": 60.5"), "Roll width must be a valid value"},
         {"ArtworkBesideTheRoll", changed("\"xInches\": 1.5", "\"xInches\": 50"),
@@ -172,7 +145,7 @@ TEST_P(UnreadableLayout, KeepsItsBytesWhenTheLayoutIsSavedElsewhereWhichIsSavedF
 
 TEST_P(UnreadableLayout, KeepsItsBytesWhenALayoutIsOpenedWhichIsSavedFromThenOn) {
     startOverIt();
-    folder.write(QStringLiteral("project.json"), soundFile);
+    folder.write(QStringLiteral("project.json"), layoutFile);
     model->openLayoutFile(project);
     settle();
     EXPECT_EQ(model->rollSaveMessage(), QStringLiteral("Layout autosaved"));
@@ -214,7 +187,7 @@ INSTANTIATE_TEST_SUITE_P(Files, UnreadableLayout, ::testing::ValuesIn(badFiles()
                          [](const auto& file) { return std::string(file.param.name); });
 
 TEST(UnreadableLayoutCases, AreBadForWhatTheyChange) {
-    const RollWorkspaceFile file = RollWorkspaceFile::decode(soundFile);
+    const RollWorkspaceFile file = RollWorkspaceFile::decode(layoutFile);
     EXPECT_NO_THROW(file.validate());
     EXPECT_EQ(file.layout.items.size(), 1);
 }

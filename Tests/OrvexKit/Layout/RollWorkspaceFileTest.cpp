@@ -2,6 +2,7 @@
 
 #include "Json/JsonError.h"
 #include "Json/JsonWriter.h"
+#include "LayoutFile.h"
 #include "LayoutFixtures.h"
 
 #include <gtest/gtest.h>
@@ -12,39 +13,11 @@ namespace orvex {
 namespace {
 
 using test::artworkAt;
+using test::layoutFile;
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 constexpr auto badFile = "The layout file version or data is invalid. The original file has been retained.";
-
-constexpr auto storedFile = R"({
-    "gapInches": 0.25,
-    "layout": {
-        "items": [
-            {
-                "id": "00000001-0000-0000-0000-000000000000",
-                "originalHeightInches": 20,
-                "originalWidthInches": 10,
-                "pixelHeight": 20000,
-                "pixelWidth": 10000,
-                "rotationQuarterTurns": 0,
-                "sourceURL": "file:///images/art1.png",
-                "title": "art1",
-                "widthInches": 10,
-                "xInches": 1.5,
-                "yInches": 2
-            }
-        ],
-        "schemaVersion": 1,
-        "widthInches": 60
-    },
-    "selection": "00000001-0000-0000-0000-000000000000",
-    "sizingDescriptions": {
-        "00000001-0000-0000-0000-000000000000": "24 × 16 in/out"
-    },
-    "version": 1
-}
-)";
 
 RollWorkspaceFile sampleFile() {
     RollWorkspaceFile file;
@@ -57,11 +30,11 @@ RollWorkspaceFile sampleFile() {
 }
 
 TEST(RollWorkspaceFile, isWrittenSortedWithPlainSlashes) {
-    EXPECT_EQ(sampleFile().encode().toStdString(), storedFile);
+    EXPECT_EQ(sampleFile().encode().toStdString(), layoutFile);
 }
 
 TEST(RollWorkspaceFile, isReadAsWritten) {
-    EXPECT_EQ(RollWorkspaceFile::decode(storedFile), sampleFile());
+    EXPECT_EQ(RollWorkspaceFile::decode(layoutFile), sampleFile());
 }
 
 TEST(RollWorkspaceFile, leavesOutAnAbsentSelection) {
