@@ -66,5 +66,46 @@ TEST_F(BatchSession, takesNothingWhileItIsBusy) {
     EXPECT_EQ(model->rollLayout(), before);
 }
 
+// Whether it opens
+
+class BatchCommand : public SessionTest {
+protected:
+    BatchCommand() { start(); }
+
+    /// Whether the command is offered; it must do then, and only then, what it says.
+    bool opens() {
+        const bool isOffered = model->canPresentBatchSizing();
+        const bool wasOpen = model->batchSizingPresented();
+        model->presentBatchSizing();
+        EXPECT_EQ(model->batchSizingPresented(), isOffered || wasOpen);
+        return isOffered;
+    }
+};
+
+TEST_F(BatchCommand, opensThePanelOverArtworks) {
+    place({artwork()});
+    EXPECT_TRUE(opens());
+}
+
+TEST_F(BatchCommand, opensNoPanelOverAnEmptyCanvas) {
+    EXPECT_FALSE(opens());
+}
+
+TEST_F(BatchCommand, opensThePanelOnceUntilItIsClosed) {
+    place({artwork()});
+    EXPECT_TRUE(opens());
+    EXPECT_FALSE(opens());
+    model->setBatchSizingPresented(false);
+    EXPECT_TRUE(opens());
+}
+
+TEST_F(BatchCommand, waitsForOtherWork) {
+    place({artwork()});
+    SessionBackdoor::set(model->busy, true);
+    EXPECT_FALSE(opens());
+    SessionBackdoor::set(model->busy, false);
+    EXPECT_TRUE(opens());
+}
+
 } // namespace
 } // namespace orvex::test

@@ -85,6 +85,33 @@ TEST_F(Printing, IsNotOfferedAfterTheClickAndWhileItGoesOn) {
     EXPECT_TRUE(model->canPrintCurrent());
 }
 
+TEST_F(PrintCommand, IsAnnouncedToBeOffAtTheClickAndOfferedAgainAtTheEnd) {
+    QStringList announced;
+    settle();
+    QObject::connect(model.get(), &OrvexModel::changed, model.get(), [&] {
+        announced.append(model->busy()              ? QStringLiteral("busy")
+                         : model->canPrintCurrent() ? QStringLiteral("offered")
+                                                    : QStringLiteral("off"));
+    });
+    print();
+    ASSERT_EQ(services.prints.size(), 1);
+    EXPECT_EQ(announced.value(0), QStringLiteral("off"));
+    EXPECT_EQ(announced.value(1), QStringLiteral("busy"));
+    EXPECT_EQ(announced.last(), QStringLiteral("offered"));
+}
+
+TEST_F(PrintCommand, IsAnnouncedToBeOverEvenIfNothingElseHasChanged) {
+    SessionBackdoor::set(model->rollLayout, RollLayout());
+    print(); // tells the issue, so that the next click has no news
+    int announced = 0;
+    QObject::connect(model.get(), &OrvexModel::changed, model.get(), [&announced] { ++announced; });
+    settle();
+    ASSERT_EQ(announced, 0);
+    model->printCurrentRoll();
+    settle();
+    EXPECT_EQ(announced, 2) << "at the click and at its end";
+}
+
 TEST_F(PrintCommand, SaysNothingWhileItIsLocked) {
     const QString message = model->message();
     bool isCommitted = false;

@@ -42,6 +42,9 @@ public:
     /// Starts an application that stands in a place of no other kind of machine.
     void openMonitor(const QUrl& application) { session_.runMonitor(application); }
 
+    /// Looks no more for requests of other processes, which it does at moments of its own.
+    void ignoreOthers() { session_.raiseRequests_.reset(); }
+
     [[nodiscard]] bool hasBaseline() const { return session_.protectedBaseline.has_value(); }
 
 private:

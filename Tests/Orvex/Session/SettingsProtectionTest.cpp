@@ -203,6 +203,25 @@ TEST_F(SettingsCheck, RecordsNothingInASessionThatMayNotWrite) {
     EXPECT_FALSE(SessionBackdoor(*model).hasBaseline());
 }
 
+TEST_F(SettingsCheck, TellsASessionThatMayNotWriteThatThereIsNoBaseline) {
+    start(SessionAccess::readOnly);
+    EXPECT_EQ(model->protectionMessage(), QStringLiteral("No settings baseline has been recorded."));
+    EXPECT_TRUE(model->diagnosticText().contains(
+        QStringLiteral("\nLocal settings check: No settings baseline has been recorded.\n")));
+    const test::InChinese chinese;
+    start(SessionAccess::readOnly);
+    EXPECT_EQ(model->protectionMessage(), QStringLiteral("尚未记录设置基线。"));
+}
+
+TEST_F(SettingsCheck, ComparesWithTheBaselineInASessionThatMayNotWrite) {
+    refresh();
+    start(SessionAccess::readOnly);
+    EXPECT_EQ(model->protectionMessage(), QStringLiteral("Reading existing settings fingerprints…"));
+    write("Default Other\n");
+    refresh();
+    EXPECT_EQ(model->protectionChanges(), QStringList{settings()});
+}
+
 TEST_F(SettingsCheck, ShowsWhyABaselineCouldNotBeSaved) {
     const auto checks = test::hold(readings.captureSettings);
     start();
