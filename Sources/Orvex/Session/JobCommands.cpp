@@ -84,4 +84,11 @@ void OrvexModel::removeJob(const StagedJob& job) {
                              : LocalQueueStore::pdfNotDeleted());
 }
 
+void OrvexModel::revealJob(const StagedJob& job) {
+    if (busy() || !store) {
+        return;
+    }
+    services_.revealFile(store->pdfURL(job));
+}
+
 } // namespace orvex

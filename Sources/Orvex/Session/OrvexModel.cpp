@@ -99,6 +99,7 @@ bool OrvexModel::canPresentBatchSizing() const {
 }
 
 void OrvexModel::presentBatchSizing() {
+    services_.commitEditing(); // the panel starts from what is on the canvas then
     if (canPresentBatchSizing()) {
         setBatchSizingPresented(true);
     }

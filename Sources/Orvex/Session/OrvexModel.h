@@ -156,10 +156,15 @@ public:
 
     // Export, jobs, printing
 
+    /// Whether the roll can go into the local queue.
+    [[nodiscard]] bool canStageRoll() const;
     void stageRollPDF();
     void exportRollPDF();
     void exportJob(const StagedJob& job);
     void removeJob(const StagedJob& job);
+
+    /// Shows the job's PDF in the desktop's file manager.
+    void revealJob(const StagedJob& job);
     void printCurrentRoll();
     void printSavedJob(const StagedJob& job);
 
@@ -178,6 +183,12 @@ public:
     void savePreset(bool asNew);
     void deletePreset();
     void bindCanvasDefault();
+
+    /// Whether a preset can be saved as a new one; whether the selected one can be updated or deleted, and made the
+    /// printer's default.
+    [[nodiscard]] bool canSavePreset() const;
+    [[nodiscard]] bool canChangePreset() const;
+    [[nodiscard]] bool canBindCanvasDefault() const;
 
     // Printers, diagnostics, the journal
 

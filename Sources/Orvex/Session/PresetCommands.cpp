@@ -204,4 +204,16 @@ void OrvexModel::bindCanvasDefault() {
                     "and cutting."));
 }
 
+bool OrvexModel::canSavePreset() const {
+    return presetsAvailable() && !busy();
+}
+
+bool OrvexModel::canChangePreset() const {
+    return canSavePreset() && selectedPreset().has_value();
+}
+
+bool OrvexModel::canBindCanvasDefault() const {
+    return selectedPreset().has_value() && !printerReadings().selectedPrinterName.isEmpty();
+}
+
 } // namespace orvex

@@ -74,6 +74,10 @@ bool OrvexModel::refusesExport() {
     return issue.has_value();
 }
 
+bool OrvexModel::canStageRoll() const {
+    return !busy() && queueAvailable() && !rollExportIssue();
+}
+
 void OrvexModel::stageRollPDF() {
     if (busy() || !store || refusesExport()) {
         return;

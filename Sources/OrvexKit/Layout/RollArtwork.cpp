@@ -88,6 +88,11 @@ double RollArtwork::scalePercent() const {
     return scale() * 100.0;
 }
 
+double RollArtwork::effectivePixelsPerInch() const {
+    const qint64 displayedPixelWidth = isOddTurn(rotationQuarterTurns) ? pixelHeight : pixelWidth;
+    return static_cast<double>(displayedPixelWidth) / widthInches;
+}
+
 Rect RollArtwork::trimRectInches() const {
     return {xInches, yInches, widthInches + PrintUnits::bothBordersInches,
             heightInches() + PrintUnits::bothBordersInches};

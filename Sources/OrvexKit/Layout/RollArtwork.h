@@ -53,6 +53,9 @@ struct RollArtwork {
     [[nodiscard]] double scale() const;
     [[nodiscard]] double scalePercent() const;
 
+    /// How many pixels of the source lie on an inch of the roll.
+    [[nodiscard]] double effectivePixelsPerInch() const;
+
     /// The frame that is cut by hand later, and what packing treats as the artwork.
     [[nodiscard]] Rect trimRectInches() const;
 

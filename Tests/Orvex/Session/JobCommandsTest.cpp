@@ -227,6 +227,31 @@ TEST_F(JobRemoval, NeedsTheQueueAndNoOtherWork) {
     EXPECT_EQ(pdfNames().size(), 2);
 }
 
+// Showing the PDF
+
+class JobReveal : public JobTest {};
+
+TEST_F(JobReveal, ShowsThePdfOfTheJob) {
+    const QString message = model->message();
+    model->revealJob(job(1));
+    EXPECT_EQ(services.revealed, QList{QUrl::fromLocalFile(pdfOf(job(1)))});
+    EXPECT_EQ(model->message(), message);
+    EXPECT_EQ(model->errorMessage(), std::nullopt);
+}
+
+TEST_F(JobReveal, NeedsTheQueueAndNoOtherWork) {
+    const StagedJob staged = job();
+    {
+        const test::Barrier barrier;
+        model->changeRollWidth(50.0);
+        model->revealJob(staged);
+    }
+    settle();
+    startWithoutQueue();
+    model->revealJob(staged);
+    EXPECT_TRUE(services.revealed.isEmpty());
+}
+
 TEST_F(JobExport, OverAnOriginalIsRefused) {
     const QString original = item(0).sourceURL.toLocalFile();
     const QByteArray picture = test::TemporaryFolder::read(original);

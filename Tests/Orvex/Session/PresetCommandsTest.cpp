@@ -298,6 +298,34 @@ TEST_F(Presets, AreBoundToThePrinter) {
     EXPECT_EQ(model->message(), QStringLiteral("下次将自动载入此画布预设。面板介质和裁切仍由现有设置控制。"));
 }
 
+TEST_F(Presets, CanBeSavedWithAStoreAndNothingElseGoingOn) {
+    EXPECT_TRUE(model->canSavePreset());
+    SessionBackdoor::set(model->busy, true);
+    EXPECT_FALSE(model->canSavePreset());
+    SessionBackdoor::set(model->busy, false);
+    startWithoutPresets();
+    EXPECT_FALSE(model->canSavePreset());
+}
+
+TEST_F(Presets, CanBeChangedIfOneIsSelected) {
+    EXPECT_FALSE(model->canChangePreset());
+    saved(QStringLiteral("Mine"));
+    EXPECT_TRUE(model->canChangePreset());
+    SessionBackdoor::set(model->busy, true);
+    EXPECT_FALSE(model->canChangePreset());
+    SessionBackdoor::set(model->busy, false);
+    SessionBackdoor::set(model->presetsAvailable, false);
+    EXPECT_FALSE(model->canChangePreset());
+}
+
+TEST_F(Presets, CanBeBoundWithASelectedPresetAndPrinter) {
+    EXPECT_FALSE(model->canBindCanvasDefault());
+    saved(QStringLiteral("Mine"));
+    EXPECT_TRUE(model->canBindCanvasDefault());
+    SessionBackdoor::set(model->printerReadings, PrinterReadings());
+    EXPECT_FALSE(model->canBindCanvasDefault());
+}
+
 TEST_F(Presets, AreNotBoundWithoutAPresetOrAPrinter) {
     const auto expectRefused = [this] {
         model->dismissError();

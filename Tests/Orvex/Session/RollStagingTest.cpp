@@ -197,6 +197,17 @@ TEST_F(Staging, KeepsTheChoicesOfTheMomentItBegan) {
     EXPECT_EQ(job.createdAt, services.clock) << "but the date is that of its end";
 }
 
+TEST_F(Staging, IsOfferedForARollThatCanGoIntoTheQueue) {
+    EXPECT_FALSE(model->canStageRoll()); // the roll is empty
+    importTwo();
+    EXPECT_TRUE(model->canStageRoll());
+    SessionBackdoor::set(model->busy, true);
+    EXPECT_FALSE(model->canStageRoll());
+    SessionBackdoor::set(model->busy, false);
+    SessionBackdoor::set(model->queueAvailable, false);
+    EXPECT_FALSE(model->canStageRoll());
+}
+
 TEST_F(Staging, TellsTheIssueAndDoesNothing) {
     model->stageRollPDF();
     EXPECT_EQ(model->errorMessage(), u"Add artwork to the roll canvas first.");

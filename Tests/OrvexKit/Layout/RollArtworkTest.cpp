@@ -55,6 +55,15 @@ TEST(RollArtwork, isMadeWithWhatItsSourceLeavesOut) {
     EXPECT_EQ(made.rotationQuarterTurns, 0);
 }
 
+TEST(RollArtwork, spreadsThePixelsOfItsDisplayedSideOverItsWidth) {
+    RollArtwork artwork = RollArtwork::make(source());
+    EXPECT_EQ(artwork.effectivePixelsPerInch(), 300.0);
+    artwork.widthInches = 4.0;
+    EXPECT_EQ(artwork.effectivePixelsPerInch(), 150.0);
+    artwork.rotationQuarterTurns = 3; // 300 pixels lie on the 4 inches now
+    EXPECT_EQ(artwork.effectivePixelsPerInch(), 75.0);
+}
+
 TEST(RollArtwork, takesTheNaturalWidthOfItsTurn) {
     RollArtworkSource turned = source();
     turned.rotationQuarterTurns = 3;

@@ -1,0 +1,23 @@
+#include "QueueTexts.h"
+
+#include "OrvexLanguage.h"
+
+namespace orvex {
+
+QString QueueTexts::systemJobs(const PrinterReadings& readings) {
+    const std::optional<PrinterSnapshot> printer = readings.selectedPrinter();
+    if (!printer) {
+        return spt("未选择打印机。", "No printer selected.");
+    }
+    if (printer->jobs.isEmpty()) {
+        return spt("此次读取未发现未完成的作业。请同时查看诊断信息中的读取错误。",
+                   "No unfinished jobs were found in this reading. Also check diagnostics for read errors.");
+    }
+    QStringList lines;
+    for (const SystemPrintJob& job : printer->jobs) {
+        lines.append(job.rawLine);
+    }
+    return lines.join(u'\n');
+}
+
+} // namespace orvex
