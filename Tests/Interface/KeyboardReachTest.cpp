@@ -283,6 +283,18 @@ TEST_P(KeyboardReachTest, ArrowsChangeTabs) {
     EXPECT_EQ(model->tab(), 0);
 }
 
+TEST_P(KeyboardReachTest, TextsBetweenControlsAreReachedByScrolling) {
+    openFull({}, Size::smallest);
+    auto* button = find<QAbstractButton>("arrangeWithGapButton");
+    button->setFocus(Qt::TabFocusReason);
+    const QPoint before = button->mapTo(window.get(), QPoint());
+    press(*window, Qt::Key_PageDown);
+    EXPECT_LT(button->mapTo(window.get(), QPoint()).y(), before.y());
+    EXPECT_EQ(window->focusWidget(), button);
+    press(*window, Qt::Key_PageUp);
+    EXPECT_EQ(button->mapTo(window.get(), QPoint()), before);
+}
+
 TEST_P(KeyboardReachTest, TheSelectedArtworkIsReachedAndMovedByArrows) {
     openFull();
     find<QAbstractButton>("snapToggle")->setFocus();

@@ -27,6 +27,7 @@ QPlainTextEdit* messageField() {
     field->setReadOnly(true);
     field->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     field->setTabChangesFocus(true);
+    field->document()->setDocumentMargin(0.0); // the message begins below the first letter of the title
     field->setFrameShape(QFrame::NoFrame);
     field->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     field->setFixedWidth(messageWidth);

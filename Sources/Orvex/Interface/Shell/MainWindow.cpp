@@ -6,6 +6,7 @@
 #include "Shell/AlertPresenter.h"
 #include "Shell/ContentView.h"
 #include "Shell/DesktopServices.h"
+#include "Shell/FocusKeeper.h"
 
 #include <QCloseEvent>
 #include <QDropEvent>
@@ -37,6 +38,7 @@ MainWindow::MainWindow(OrvexModel& session, DesktopServices& services)
     resize(defaultSize);
     buildMenus();
     services_.setWindow(this);
+    new FocusKeeper(*this);
     new AlertPresenter(session_, *this);
     connect(&pictures_, &BoardPictures::pictureReady, batchSizing_, &BatchSizingPresenter::updatePictures);
     connect(&session_, &OrvexModel::changed, this, &MainWindow::syncFromSession);
