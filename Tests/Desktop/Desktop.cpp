@@ -98,14 +98,28 @@ void Desktop::click(const QPoint& place) const {
     xdotool(moveTo(place) + words("click 1"));
 }
 
-/// In steps, as a hand does: a drag begins after some distance, and the place below it is asked on the way.
 void Desktop::drag(const QPoint& from, const QPoint& to) const {
+    pressMouse(from);
+    moveMouse(from, to);
+    releaseMouse();
+}
+
+void Desktop::pressMouse(const QPoint& place) const {
+    xdotool(moveTo(place) + words("mousedown 1"));
+}
+
+/// A drag begins after some distance, and what lies below it is asked on the way.
+void Desktop::moveMouse(const QPoint& from, const QPoint& to) const {
     constexpr int steps = 10;
-    QStringList all = moveTo(from) + words("mousedown 1");
+    QStringList all;
     for (int step = 1; step <= steps; ++step) {
         all += words("sleep 0.02") + moveTo(from + (to - from) * step / steps);
     }
-    xdotool(all + words("sleep 0.1 mouseup 1"));
+    xdotool(all + words("sleep 0.1"));
+}
+
+void Desktop::releaseMouse() const {
+    xdotool(words("mouseup 1"));
 }
 
 void Desktop::turnWheelDown(const QPoint& place) const {

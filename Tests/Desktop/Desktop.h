@@ -41,6 +41,12 @@ public:
     /// Moves the pressed mouse from one place to another, and releases it there.
     void drag(const QPoint& from, const QPoint& to) const;
 
+    void pressMouse(const QPoint& place) const;
+    void releaseMouse() const;
+
+    /// With its button down or not, in steps, as a hand does.
+    void moveMouse(const QPoint& from, const QPoint& to) const;
+
     /// Turns the mouse's wheel by one step.
     void turnWheelDown(const QPoint& place) const;
 

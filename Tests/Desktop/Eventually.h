@@ -11,10 +11,10 @@
 namespace orvex::test {
 
 /// Asks again and again until the condition holds, and answers what other processes ask meanwhile. Throws
-/// std::runtime_error that names what was awaited after half a minute: far longer than anything takes on a busy
+/// std::runtime_error that names what was awaited after a minute: far longer than anything takes on a busy
 /// machine.
 inline void eventually(const std::string& awaited, const std::function<bool()>& condition) {
-    constexpr int patienceMilliseconds = 30'000;
+    constexpr int patienceMilliseconds = 60'000;
     QElapsedTimer patience;
     patience.start();
     while (!condition()) {

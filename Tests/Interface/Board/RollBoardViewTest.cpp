@@ -146,6 +146,20 @@ TEST_F(RollBoardViewTest, NothingMovesWhileTheSessionIsBusy) {
     EXPECT_EQ(state(), before);
 }
 
+TEST_F(RollBoardViewTest, ADragThatTheSessionHasEndedGoesOnNoMore) {
+    startWith(1);
+    show();
+    const QPoint grip = centerOf(0);
+    press(grip);
+    moveTo(grip + QPoint(50, 0));
+    model->endArrangeGesture();
+    const RollLayout ended = model->rollLayout();
+    moveTo(grip + QPoint(100, 0));
+    release(grip + QPoint(100, 0));
+    EXPECT_EQ(model->rollLayout(), ended);
+    EXPECT_FALSE(model->arrangingGesture());
+}
+
 TEST_F(RollBoardViewTest, HidingTheBoardEndsAGesture) {
     startWith(1);
     show();

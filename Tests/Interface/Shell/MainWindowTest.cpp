@@ -1,7 +1,9 @@
+#include "Board/RollBoardView.h"
 #include "InChinese.h"
 #include "WindowTest.h"
 
 #include <QAction>
+#include <QDialog>
 #include <QDragEnterEvent>
 #include <QLineEdit>
 #include <QMenuBar>
@@ -235,6 +237,36 @@ TEST_F(MainWindowTest, ADraggedTextIsNotTaken) {
     QMimeData data;
     data.setText(QStringLiteral("/tmp/a.png"));
     EXPECT_FALSE(drag(data));
+}
+
+TEST_F(MainWindowTest, UndoInTheMiddleOfADragTakesTheDragBack) {
+    startWith(1);
+    open();
+    const QUuid id = model->rollLayout().items.first().id;
+    model->moveArtwork(id, 3.0, std::nullopt);
+    const RollLayout before = model->rollLayout();
+    ASSERT_TRUE(model->beginArrangeGesture());
+    model->dragArtwork(id, 10.0, 0.0);
+    ASSERT_NE(model->rollLayout(), before);
+    turn();
+    action("undoLayoutAction").trigger();
+    EXPECT_EQ(model->rollLayout(), before);
+    EXPECT_FALSE(model->arrangingGesture());
+}
+
+TEST_F(MainWindowTest, ADialogEndsADragAsFarAsItCame) {
+    startWith(1);
+    open();
+    auto* board = find<RollBoardView>("rollBoardView");
+    const QPoint grip = board->frameOf(model->rollLayout().items.first().id).center().toPoint();
+    QTest::mousePress(board->viewport(), Qt::LeftButton, Qt::NoModifier, grip);
+    QTest::mouseMove(board->viewport(), grip + QPoint(20, 0));
+    QTest::mouseMove(board->viewport(), grip + QPoint(100, 0));
+    ASSERT_TRUE(model->arrangingGesture());
+    QDialog dialog(window.get());
+    dialog.open();
+    EXPECT_FALSE(model->arrangingGesture());
+    EXPECT_GT(model->rollLayout().items.first().xInches, 0.0);
 }
 
 } // namespace orvex::test

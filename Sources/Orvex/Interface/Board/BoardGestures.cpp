@@ -21,6 +21,10 @@ void BoardGestures::drag(const QPointF& position, double scale) {
     if (!pressed_ || session_.busy()) {
         return;
     }
+    if (isDragging() && !session_.arrangingGesture()) {
+        forget();
+        return;
+    }
     const QPointF translation = position - pressPosition_;
     if (!isDragging() && QLineF(QPointF(), translation).length() < dragDistance) {
         return;
@@ -98,9 +102,14 @@ void BoardGestures::resize(const QUuid& id, const QPointF& translation) {
 
 void BoardGestures::endDrag() {
     session_.endArrangeGesture();
+    forget();
+    session_.requestKeyboardFocus();
+}
+
+void BoardGestures::forget() {
+    pressed_.reset();
     moveOrigins_.clear();
     resizeOrigins_.clear();
-    session_.requestKeyboardFocus();
 }
 
 std::optional<RollArtwork> BoardGestures::artwork(const QUuid& id) const {

@@ -43,8 +43,10 @@ public:
 
     explicit BoardGestures(OrvexModel& session) : session_(session) {}
 
-    /// `scale` gives the points per inch of the moment.
     void press(const BoardHit& hit, const QPointF& position);
+
+    /// `scale` gives the points per inch of the moment. A drag that the session has ended in the meantime goes on no
+    /// more.
     void drag(const QPointF& position, double scale);
     void release();
 
@@ -62,6 +64,7 @@ private:
     void move(const QUuid& id, const QPointF& translation);
     void resize(const QUuid& id, const QPointF& translation);
     void endDrag();
+    void forget();
     [[nodiscard]] std::optional<RollArtwork> artwork(const QUuid& id) const;
 
     OrvexModel& session_;

@@ -437,7 +437,7 @@ void RollBoardView::hideEvent(QHideEvent* event) {
 }
 
 bool RollBoardView::event(QEvent* event) {
-    if (event->type() == QEvent::WindowDeactivate) {
+    if (event->type() == QEvent::WindowDeactivate || event->type() == QEvent::WindowBlocked) {
         gestures_.cancel();
     }
     return QAbstractScrollArea::event(event);

@@ -15,6 +15,14 @@ std::function<bool()> whenFree(OrvexModel& session) {
     return [&session] { return !session.busy() && !session.batchSizingPresented(); };
 }
 
+/// A step through the history in the middle of a drag goes through the drag, too, and ends it.
+std::function<void()> afterDrag(OrvexModel& session, void (OrvexModel::*step)()) {
+    return [&session, step] {
+        session.endArrangeGesture();
+        (session.*step)();
+    };
+}
+
 QKeySequence control(int key, Qt::KeyboardModifiers more = Qt::NoModifier) {
     return {QKeyCombination(Qt::ControlModifier | more, static_cast<Qt::Key>(key))};
 }
@@ -64,12 +72,12 @@ QList<Command> MenuCommands::editCommands(OrvexModel& session) {
     return {{.name = QStringLiteral("undoLayoutAction"),
              .title = spt("撤销排版", "Undo Layout"),
              .shortcut = control(Qt::Key_Z),
-             .run = [&session] { session.undoRollEdit(); },
+             .run = afterDrag(session, &OrvexModel::undoRollEdit),
              .isEnabled = [&session] { return session.rollUndoAvailable() && !session.busy(); }},
             {.name = QStringLiteral("redoLayoutAction"),
              .title = spt("重做排版", "Redo Layout"),
              .shortcut = control(Qt::Key_Z, Qt::ShiftModifier),
-             .run = [&session] { session.redoRollEdit(); },
+             .run = afterDrag(session, &OrvexModel::redoRollEdit),
              .isEnabled = [&session] { return session.rollRedoAvailable() && !session.busy(); }}};
 }
 
