@@ -1,5 +1,6 @@
 // session-benchmark FOLDER: measures a session with a thousand artworks and prints a table. Saves its canvas in FOLDER.
 
+#include "Figures.h"
 #include "Json/JsonWriter.h"
 #include "Layout/RollWorkspaceFile.h"
 #include "NoDesktop.h"
@@ -9,50 +10,28 @@
 #include <QDir>
 #include <QFile>
 
-#include <unistd.h>
-
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <functional>
 #include <random>
 #include <vector>
 
 using namespace orvex;
+using namespace orvex::benchmarks;
 
 namespace {
 
 constexpr int artworkCount = 1000;
 constexpr int rounds = 200;
-constexpr double bytesPerMiB = 1 << 20;
 
-bool isMissed = false;
-
-double millisecondsOf(const std::function<void()>& step) {
-    const auto start = std::chrono::steady_clock::now();
-    step();
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-}
-
-double residentMiB() {
-    QFile file(QStringLiteral("/proc/self/statm"));
-    if (!file.open(QIODevice::ReadOnly)) {
-        throw std::runtime_error("no memory figures");
-    }
-    return file.readAll().split(' ').at(1).toDouble() * static_cast<double>(::sysconf(_SC_PAGESIZE)) / bytesPerMiB;
-}
-
-void printRow(const char* task, const char* figure, double value, double most, const char* unit) {
-    const bool isMet = value < most;
-    isMissed = isMissed || !isMet;
-    std::printf("%-44s %-16s %9.3f %-4s < %-5g %s\n", task, figure, value, unit, most, isMet ? "yes" : "NO");
+Figures& figures() {
+    static Figures table("task, with 1,000 artworks");
+    return table;
 }
 
 /// The median and the worst of many calls; the median has to be below `most`.
-void printTimes(const char* task, std::vector<double> milliseconds, double most) {
-    std::ranges::sort(milliseconds);
-    printRow(task, "median", milliseconds[milliseconds.size() / 2], most, "ms");
-    std::printf("%-44s %-16s %9.3f ms\n", "", "worst", milliseconds.back());
+void printTimes(const char* task, const std::vector<double>& milliseconds, double most) {
+    figures().add(task, "median", percentile(milliseconds, 0.5), most, "ms");
+    Figures::note("", "worst", percentile(milliseconds, 1.0), "ms");
 }
 
 std::vector<double> timesOf(int count, const std::function<void(int)>& call) {
@@ -119,12 +98,12 @@ void measureGestures(OrvexModel& session) {
 
 /// Eighty steps, each with another artwork moved; then back through them.
 void measureHistory(OrvexModel& session) {
-    const double before = residentMiB();
+    const double before = memoryMiB("VmRSS:");
     const QList<RollArtwork> items = session.rollLayout().items;
     for (int step = 0; step < RollHistory::mostSteps; ++step) {
         session.moveArtwork(items[step * 12].id, 1.0 + step * 0.1, std::nullopt);
     }
-    printRow("80 steps of undo", "memory", residentMiB() - before, 100.0, "MiB");
+    figures().add("80 steps of undo", "memory", memoryMiB("VmRSS:") - before, 100.0, "MiB");
     printTimes("undoRollEdit, without its autosave",
                timesOf(RollHistory::mostSteps, [&](int) { session.undoRollEdit(); }), 5.0);
 }
@@ -132,7 +111,6 @@ void measureHistory(OrvexModel& session) {
 int run(const QString& folder) {
     writeAutosave(folder + QStringLiteral("/ORVEX"));
     NoDesktop desktop;
-    std::printf("%-44s %-16s %9s %-4s   %-5s %s\n", "task, with 1,000 artworks", "figure", "value", "", "bar", "met");
     printTimes("start to the end of init", timesOf(20, [&](int) { const OrvexModel session(desktop); }), 150.0);
     OrvexModel session(desktop);
     if (session.rollLayout().items.size() != artworkCount) {
@@ -142,7 +120,7 @@ int run(const QString& folder) {
     printTimes("autosave, without its synchronising", timesOf(rounds, [&](int) { session.persistRollLayout(); }), 30.0);
     OrvexModel unsaved(desktop, SessionAccess::readOnly);
     measureHistory(unsaved);
-    return isMissed ? 1 : 0;
+    return figures().isMissed() ? 1 : 0;
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "LargeBlocks.h"
 #include "OrvexLanguage.h"
 #include "Shell/Arguments.h"
 #include "Shell/EndingSignals.h"
@@ -42,6 +43,7 @@ int main(int argc, char** argv) {
     if (!hasDisplay()) {
         return say({.exitStatus = 1, .text = orvex::spt("没有显示器。", "There is no display.")});
     }
+    orvex::platform::returnLargeBlocks();
     orvex::EndingSignals::block();
     std::signal(SIGPIPE, SIG_IGN); // a closed pipe is a failed write, like any other
     std::signal(SIGXFSZ, SIG_IGN); // and so is a file that may grow no further

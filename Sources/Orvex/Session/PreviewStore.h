@@ -11,7 +11,7 @@ namespace orvex {
 /// rows like any other; pixels that had to go are read again from the picture's file. Any thread.
 class PreviewStore {
 public:
-    static constexpr qint64 defaultBudgetBytes = 384 << 20;
+    static constexpr qint64 defaultBudgetBytes = 336 << 20;
 
     explicit PreviewStore(qint64 budgetBytes = defaultBudgetBytes);
 

@@ -66,6 +66,8 @@ void appendRow(Reduced& picture, std::span<const std::byte> row, const platform:
 Reduced reduce(const platform::Raster& raster, qint64 longestSide) {
     const auto size = reducedSize(raster, longestSide);
     Reduced picture{.width = size.width, .height = size.height, .colors = {}, .alpha = {}};
+    const auto components = platform::componentCount(raster.format().model);
+    picture.colors.reserve(static_cast<std::size_t>(size.width * size.height * components));
     const auto averager = platform::AreaAverager::make(
         raster.format(), {.width = raster.width(), .height = raster.height()}, size,
         [&](qint64, std::span<const std::byte> row) { appendRow(picture, row, raster.format()); });
@@ -74,22 +76,21 @@ Reduced reduce(const platform::Raster& raster, qint64 longestSide) {
 }
 
 /// The device's own colours as they are, as near as a screen comes without knowing more.
-Pixels deviceColors(const Pixels& colors, platform::ColorModel model) {
+QByteArray deviceColors(const Pixels& colors, platform::ColorModel model) {
     const auto components = static_cast<std::size_t>(platform::componentCount(model));
-    Pixels screen;
-    screen.reserve(colors.size() / components * screenSamples);
+    QByteArray screen;
+    screen.reserve(static_cast<qsizetype>(colors.size() / components * screenSamples));
     for (std::size_t pixel = 0; pixel < colors.size(); pixel += components) {
         for (std::size_t sample = 0; sample < screenSamples; ++sample) {
             switch (model) {
             case platform::ColorModel::gray:
-                screen.push_back(colors[pixel]);
+                screen.append(static_cast<char>(colors[pixel]));
                 break;
             case platform::ColorModel::rgb:
-                screen.push_back(colors[pixel + sample]);
+                screen.append(static_cast<char>(colors[pixel + sample]));
                 break;
             case platform::ColorModel::cmyk:
-                screen.push_back(
-                    static_cast<quint8>((255U - colors[pixel + sample]) * (255U - colors[pixel + 3]) / 255U));
+                screen.append(static_cast<char>((255U - colors[pixel + sample]) * (255U - colors[pixel + 3]) / 255U));
                 break;
             }
         }
@@ -97,17 +98,20 @@ Pixels deviceColors(const Pixels& colors, platform::ColorModel model) {
     return screen;
 }
 
-std::optional<Pixels> converted(const Pixels& colors, const platform::ColorTransform& transform, std::size_t pixels) {
-    Pixels screen(pixels * screenSamples);
+std::optional<QByteArray> converted(const Pixels& colors, const platform::ColorTransform& transform,
+                                    std::size_t pixels) {
+    QByteArray screen(static_cast<qsizetype>(pixels * screenSamples), Qt::Uninitialized);
+    const std::span samples(screen.data(), pixels * screenSamples);
     const bool isConverted =
-        transform.convert(std::as_bytes(std::span(colors)), std::as_writable_bytes(std::span(screen)), pixels);
+        transform.convert(std::as_bytes(std::span(colors)), std::as_writable_bytes(samples), pixels);
     return isConverted ? std::optional(std::move(screen)) : std::nullopt;
 }
 
-void layOnWhite(Pixels& screen, const Pixels& alpha) {
+void layOnWhite(QByteArray& screen, const Pixels& alpha) {
+    auto* samples = reinterpret_cast<quint8*>(screen.data());
     for (std::size_t pixel = 0; pixel < alpha.size(); ++pixel) {
         for (std::size_t sample = 0; sample < screenSamples; ++sample) {
-            quint8& value = screen[pixel * screenSamples + sample];
+            quint8& value = samples[pixel * screenSamples + sample];
             value = static_cast<quint8>((value * alpha[pixel] + 255U * (255U - alpha[pixel]) + 127U) / 255U);
         }
     }
@@ -119,7 +123,8 @@ std::optional<platform::ColorTransform> makeTransform(const QByteArray& profile)
     if (!source || !screen) {
         return std::nullopt;
     }
-    return platform::ColorTransform::make(*source, 8, *screen, 8, platform::RenderingIntent::relativeColorimetric);
+    return platform::ColorTransform::make(*source, 8, *screen, 8, platform::RenderingIntent::relativeColorimetric,
+                                          platform::ColorMemory::recent);
 }
 
 } // namespace
@@ -128,7 +133,7 @@ DisplayPicture DisplayPictures::make(const platform::Raster& upright, qint64 lon
     const Reduced reduced = reduce(upright, longestSide);
     const auto pixels = static_cast<std::size_t>(reduced.width * reduced.height);
     const auto components = static_cast<std::size_t>(platform::componentCount(upright.format().model));
-    std::optional<Pixels> screen;
+    std::optional<QByteArray> screen;
     if (const auto& profile = upright.iccProfile(); profile && *profile != platform::sRgbProfileData()) {
         const auto transform = transformOf(*profile);
         if (transform && transform->sourcePixelBytes() == components) {
@@ -139,9 +144,7 @@ DisplayPicture DisplayPictures::make(const platform::Raster& upright, qint64 lon
         screen = deviceColors(reduced.colors, upright.format().model);
     }
     layOnWhite(*screen, reduced.alpha);
-    return {.width = reduced.width,
-            .height = reduced.height,
-            .rgb = QByteArray(reinterpret_cast<const char*>(screen->data()), static_cast<qsizetype>(screen->size()))};
+    return {.width = reduced.width, .height = reduced.height, .rgb = std::move(*screen)};
 }
 
 std::optional<platform::ColorTransform> DisplayPictures::transformOf(const QByteArray& profile) {

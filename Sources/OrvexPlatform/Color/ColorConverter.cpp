@@ -78,7 +78,7 @@ private:
     KnownColors<quint32> colors_{colorIndexCount, TablePages::large};
 };
 
-/// The last colours of four samples of 8 bits, of which there are too many to keep.
+/// The last colours of three or four samples of 8 bits, where there are too many to keep.
 class RecentColors {
 public:
     void prefetch(quint32 color) const { __builtin_prefetch(&entries_[placeOf(color)]); }
@@ -191,27 +191,35 @@ private:
     mutable AllColors colors_; // grows, but never gives another answer
 };
 
-/// Four samples of 8 bits.
-template <std::size_t DestinationBytes>
+/// Four samples of 8 bits, or three for a small picture.
+template <std::size_t SourceBytes, std::size_t DestinationBytes>
 class RecentColorsConverter : public ColorConverter {
 public:
     explicit RecentColorsConverter(ExactConversion exact) : exact_(std::move(exact)) {}
 
     void convert(std::span<const std::byte> source, std::span<std::byte> destination) const override {
         RecentColors colors;
-        TableConversion<RecentColors, 4, DestinationBytes>(colors, exact_).convert(source, destination);
+        TableConversion<RecentColors, SourceBytes, DestinationBytes>(colors, exact_).convert(source, destination);
     }
 
 private:
     ExactConversion exact_;
 };
 
-template <template <std::size_t> typename Converter>
-std::unique_ptr<ColorConverter> makeForBytes(const ConversionFormat& format, ExactConversion exact) {
-    if (format.destination == ColorModel::rgb) {
-        return std::make_unique<Converter<3>>(std::move(exact));
+template <std::size_t DestinationBytes>
+std::unique_ptr<ColorConverter> makeForBytesTo(const ConversionFormat& format, ExactConversion exact) {
+    if (format.source == ColorModel::cmyk) {
+        return std::make_unique<RecentColorsConverter<4, DestinationBytes>>(std::move(exact));
     }
-    return std::make_unique<Converter<4>>(std::move(exact));
+    if (format.memory == ColorMemory::recent) {
+        return std::make_unique<RecentColorsConverter<3, DestinationBytes>>(std::move(exact));
+    }
+    return std::make_unique<AllColorsConverter<DestinationBytes>>(std::move(exact));
+}
+
+std::unique_ptr<ColorConverter> makeForBytes(const ConversionFormat& format, ExactConversion exact) {
+    return format.destination == ColorModel::rgb ? makeForBytesTo<3>(format, std::move(exact))
+                                                 : makeForBytesTo<4>(format, std::move(exact));
 }
 
 std::unique_ptr<ColorConverter> makeForGray(const ConversionFormat& format, const ExactConversion& exact) {
@@ -237,8 +245,7 @@ std::unique_ptr<ColorConverter> ColorConverter::make(const ConversionFormat& for
     }
     const bool isToGray = format.destination == ColorModel::gray;
     if (!isToGray && format.bits == 8) {
-        return format.source == ColorModel::rgb ? makeForBytes<AllColorsConverter>(format, std::move(exact))
-                                                : makeForBytes<RecentColorsConverter>(format, std::move(exact));
+        return makeForBytes(format, std::move(exact));
     }
     if (!isToGray && format.source == ColorModel::rgb) {
         return makeLatticeConverter(format.destination, exact);

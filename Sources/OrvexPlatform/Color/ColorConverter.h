@@ -13,11 +13,18 @@ namespace orvex::platform {
 /// of everything else. Any thread, and several at once.
 using ExactConversion = std::function<void(std::span<const std::byte> source, std::span<std::byte> destination)>;
 
+/// Which colours that have been computed are kept.
+enum class ColorMemory {
+    all,   ///< for pictures of any size
+    recent ///< of three samples of 8 bits only some, for as long as one call lasts: for small pictures, in under 1 MB
+};
+
 /// The pixels of a conversion; both sides have samples of the same depth, 8 or 16 bits, without alpha.
 struct ConversionFormat {
     ColorModel source = ColorModel::rgb;
     ColorModel destination = ColorModel::cmyk;
     int bits = 8;
+    ColorMemory memory = ColorMemory::all;
 
     [[nodiscard]] std::size_t sourceBytes() const;
     [[nodiscard]] std::size_t destinationBytes() const;
@@ -38,8 +45,8 @@ inline constexpr double meanError = 0.1 / 255.0;
 /// Gray and all samples of 8 bits become exactly what the exact conversion makes of them: each colour is computed once,
 /// when it is first met. Three samples of 16 bits are interpolated between exact colours near them, which are also
 /// computed when they are first needed, and keep to `ColorAccuracy`. So what a pixel becomes depends on that pixel
-/// alone. Takes up to 160 MB for a picture that holds every colour. Any thread, and several at once: what one has
-/// computed serves the others.
+/// alone. Takes up to 160 MB for a picture that holds every colour, if all are kept. Any thread, and several at once:
+/// what one has computed serves the others.
 class ColorConverter {
 public:
     ColorConverter() = default;

@@ -1,6 +1,5 @@
 #include "Color/ColorTransform.h"
 
-#include "Color/ColorConverter.h"
 #include "Color/ColorEngine.h"
 
 namespace orvex::platform {
@@ -63,7 +62,7 @@ struct ColorTransform::Engine {
 
 std::optional<ColorTransform> ColorTransform::make(const IccProfile& source, int sourceBits,
                                                    const IccProfile& destination, int destinationBits,
-                                                   RenderingIntent intent) {
+                                                   RenderingIntent intent, ColorMemory memory) {
     const auto from = layoutOf(source.space(), sourceBits);
     const auto to = layoutOf(destination.space(), destinationBits);
     if (!from || !to) {
@@ -86,7 +85,8 @@ std::optional<ColorTransform> ColorTransform::make(const IccProfile& source, int
     if (sourceBits == destinationBits) {
         engine->converter = ColorConverter::make({.source = *colorModel(source.space()),
                                                   .destination = *colorModel(destination.space()),
-                                                  .bits = sourceBits},
+                                                  .bits = sourceBits,
+                                                  .memory = memory},
                                                  [exact = engine.get()](const auto& pixels, const auto& converted) {
                                                      exact->convertExactly(pixels, converted);
                                                  });

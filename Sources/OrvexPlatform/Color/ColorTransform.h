@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Color/ColorConverter.h"
 #include "Color/IccProfile.h"
 
 #include <cstddef>
@@ -13,14 +14,15 @@ enum class RenderingIntent { perceptual, relativeColorimetric, saturation, absol
 
 /// The way from the colours of one profile to those of another: device to connection space to device, with one intent
 /// for both halves, no black point compensation asked for. Every pixel is what the profiles themselves make of it, as
-/// ColorConverter says. Copies share what has been computed. Immutable; any thread, and several at once.
+/// ColorConverter says. Copies share what has been computed and is kept. Immutable; any thread, and several at once.
 class ColorTransform {
 public:
     /// Nothing if the engine cannot convert between the two, if a space is not gray, RGB or CMYK, or if the samples
     /// are to have other than 8 or 16 bits.
     [[nodiscard]] static std::optional<ColorTransform> make(const IccProfile& source, int sourceBits,
                                                             const IccProfile& destination, int destinationBits,
-                                                            RenderingIntent intent);
+                                                            RenderingIntent intent,
+                                                            ColorMemory memory = ColorMemory::all);
 
     /// The bytes of a pixel on each side; samples are interleaved as in PixelFormat, without alpha.
     [[nodiscard]] std::size_t sourcePixelBytes() const;

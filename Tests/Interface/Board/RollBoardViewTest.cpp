@@ -1,7 +1,9 @@
 #include "BoardTest.h"
+#include "CountedPreview.h"
 
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QWheelEvent>
 
 namespace orvex::test {
@@ -16,6 +18,10 @@ protected:
                           modifiers, Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(board->viewport(), &event);
         turn();
+    }
+
+    [[nodiscard]] static QImage pixelsOf(const QPixmap& pixmap) {
+        return pixmap.toImage().convertToFormat(QImage::Format_RGB32);
     }
 
     [[nodiscard]] QColor colorAt(const QPoint& place) const {
@@ -287,6 +293,64 @@ TEST_F(RollBoardViewTest, APictureIsDrawnInsideItsBorder) {
     const QPoint inside = centerOf(0);
     waitFor([&] { return colorAt(inside).lightness() < 200 && colorAt(inside).saturation() > 0; });
     EXPECT_EQ(colorAt(board->frameOf(item(0).id).topLeft().toPoint() + QPoint(12, 12)), QColor(Qt::white));
+}
+
+TEST_F(RollBoardViewTest, PaintingNeverReadsAPreviewItself) {
+    startWith(12);
+    std::vector<CountedPreview> previews;
+    QHash<QUuid, SharedImageMetadata> known;
+    for (const RollArtwork& each : model->rollLayout().items) {
+        previews.push_back(CountedPreview::ofColor(Qt::red, {1200, 800}));
+        known.insert(each.id, previews.back().metadata);
+    }
+    SessionBackdoor::set(model->artworkPreviews, known);
+    show();
+    const auto settlePictures = [this] {
+        waitFor([this] { return !pictures->isMaking(); });
+        turn();
+    };
+    settlePictures();
+    EXPECT_EQ(colorAt(centerOf(0)).rgb(), QColor(Qt::red).rgb());
+    while (model->rollZoom() < 3.0) {
+        model->zoomIn();
+        turn();
+        board->verticalScrollBar()->setValue(0);
+        board->horizontalScrollBar()->setValue(0);
+        settlePictures();
+    }
+    drag(centerOf(0), {40, 20});
+    drag(handleOf(0), {-60, -40});
+    board->verticalScrollBar()->setValue(board->verticalScrollBar()->maximum());
+    settlePictures();
+    for (const CountedPreview& each : previews) {
+        EXPECT_GE(each.rows->reads, 1);
+        EXPECT_EQ(each.rows->readsOnMainThread, 0);
+    }
+}
+
+TEST_F(RollBoardViewTest, ABoardOverAFullCanvasOpensAtTheStartOfTheRoll) {
+    startWith(40);
+    show();
+    EXPECT_EQ(board->verticalScrollBar()->value(), 0);
+    EXPECT_EQ(board->geometryOfBoard().origin, QPointF(6.0, 6.0));
+    board->resize(board->width() / 2, 300);
+    turn();
+    board->resize(board->width() * 2, 500);
+    turn();
+    EXPECT_EQ(board->verticalScrollBar()->value(), 0);
+}
+
+TEST_F(RollBoardViewTest, WhatIsMovedByScrollingIsWhatWouldBeDrawnThere) {
+    startWith(40);
+    model->moveArtwork(item(20).id, 3.21, 100.07);
+    show();
+    const auto onScreen = [this] { return pixelsOf(board->screen()->grabWindow(board->winId())); };
+    ASSERT_TRUE(onScreen() == pixelsOf(board->grab()));
+    for (const int place : {100, 350, 340, 0, 1000}) {
+        board->verticalScrollBar()->setValue(place);
+        turn();
+        EXPECT_TRUE(onScreen() == pixelsOf(board->grab())) << place;
+    }
 }
 
 } // namespace orvex::test

@@ -323,7 +323,7 @@ TEST_F(PreviewStoreTest, KeepsDifferentProfilesApart) {
 
 TEST_F(PreviewStoreTest, HoldsThirtyLargePreviewsByDefault) {
     constexpr qint64 largest = ImageMetadata::previewPixels * 1600 * 3; // of an artwork of three to two, 8 bits
-    EXPECT_EQ(PreviewStore::defaultBudgetBytes, 402'653'184);
+    EXPECT_EQ(PreviewStore::defaultBudgetBytes, 352'321'536);
     EXPECT_GE(PreviewStore::defaultBudgetBytes / largest, 30);
 }
 

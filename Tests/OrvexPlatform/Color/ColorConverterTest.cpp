@@ -61,11 +61,16 @@ struct Conversion {
     }
 };
 
-const std::vector<ConversionFormat> exactFormats{
-    {ColorModel::gray, ColorModel::rgb, 8}, {ColorModel::gray, ColorModel::cmyk, 16},
-    {ColorModel::rgb, ColorModel::rgb, 8},  {ColorModel::rgb, ColorModel::cmyk, 8},
-    {ColorModel::cmyk, ColorModel::rgb, 8}, {ColorModel::cmyk, ColorModel::cmyk, 8},
-    {ColorModel::rgb, ColorModel::gray, 8}, {ColorModel::rgb, ColorModel::gray, 16}};
+const std::vector<ConversionFormat> exactFormats{{ColorModel::gray, ColorModel::rgb, 8},
+                                                 {ColorModel::gray, ColorModel::cmyk, 16},
+                                                 {ColorModel::rgb, ColorModel::rgb, 8},
+                                                 {ColorModel::rgb, ColorModel::cmyk, 8},
+                                                 {ColorModel::cmyk, ColorModel::rgb, 8},
+                                                 {ColorModel::cmyk, ColorModel::cmyk, 8},
+                                                 {ColorModel::rgb, ColorModel::gray, 8},
+                                                 {ColorModel::rgb, ColorModel::gray, 16},
+                                                 {ColorModel::rgb, ColorModel::rgb, 8, ColorMemory::recent},
+                                                 {ColorModel::rgb, ColorModel::cmyk, 8, ColorMemory::recent}};
 
 TEST(ColorConverter, GivesExactColoursWhereverItDoesNotInterpolate) {
     for (const ConversionFormat& format : exactFormats) {
@@ -95,6 +100,15 @@ TEST(ColorConverter, ComputesAColourOnceHoweverOftenItStandsInAPicture) {
     (void)conversion.converted(white);
     (void)conversion.converted(white);
     EXPECT_EQ(*conversion.computed, 1U);
+}
+
+TEST(ColorConverter, ForgetsTheColoursOfASmallPictureAfterIt) {
+    const Conversion conversion({ColorModel::rgb, ColorModel::rgb, 8, ColorMemory::recent});
+    const Bytes white(3 * 10'000, std::byte{0xFF});
+    (void)conversion.converted(white);
+    EXPECT_EQ(*conversion.computed, 1U);
+    (void)conversion.converted(white);
+    EXPECT_EQ(*conversion.computed, 2U);
 }
 
 TEST(ColorConverter, KnowsEveryGrayFromTheBeginning) {

@@ -18,8 +18,9 @@ constexpr QColor placeholderAlarm{0xa8, 0x1c, 0x12}; // the same for a warning
 constexpr double placeholderOpacity = 0.15;
 constexpr double handleOpacity = 0.7;
 
-/// The dashes of the PDF, 6 and 4 points long, in widths of the pen; on the screen they do not grow with the zoom.
-const QList<qreal> dashes{6.0, 4.0};
+/// The dashes of the PDF, 6 and 4 points long; on the screen they do not grow with the zoom.
+constexpr double dashLength = 6.0;
+constexpr double dashPeriod = 10.0;
 
 QPen pen(const QColor& color, double width) {
     QPen pen(color, width);
@@ -31,6 +32,23 @@ QPen pen(const QColor& color, double width) {
 QRectF sharp(const QRectF& rect, double ratio) {
     const auto snap = [ratio](double value) { return std::round(value * ratio) / ratio; };
     return {QPointF(snap(rect.left()), snap(rect.top())), QPointF(snap(rect.right()), snap(rect.bottom()))};
+}
+
+/// The dashes of an edge that lie in `area`. A pen would let them begin anew where the drawn part begins, and they
+/// would not meet what is drawn already.
+QList<QRectF> dashesOf(const QRectF& edge, const QRectF& area) {
+    const bool isAcross = edge.width() > edge.height();
+    const double length = isAcross ? edge.width() : edge.height();
+    const double from = isAcross ? area.left() - edge.left() : area.top() - edge.top();
+    const double to = isAcross ? area.right() - edge.left() : area.bottom() - edge.top();
+    QList<QRectF> dashes;
+    for (double at = std::max(std::floor(from / dashPeriod), 0.0) * dashPeriod; at < std::min(to, length);
+         at += dashPeriod) {
+        const double dash = std::min(dashLength, length - at);
+        dashes.append(isAcross ? QRectF(edge.left() + at, edge.top(), dash, edge.height())
+                               : QRectF(edge.left(), edge.top() + at, edge.width(), dash));
+    }
+    return dashes;
 }
 
 } // namespace
@@ -48,7 +66,7 @@ void BoardPainter::paint(const QRectF& area) {
     painter_.fillRect(geometry_.canvas() & area, OrvexTheme::canvas);
     for (const RollArtwork& item : session_.rollLayout().items) {
         if (geometry_.rectOf(item.trimRectInches()).adjusted(-1, -1, 1, 1).intersects(area)) {
-            paintArtwork(item);
+            paintArtwork(item, area);
         }
     }
     if (const auto selected = session_.selectedArtwork()) {
@@ -57,20 +75,23 @@ void BoardPainter::paint(const QRectF& area) {
     paintRollEnd();
 }
 
-void BoardPainter::paintArtwork(const RollArtwork& item) {
+void BoardPainter::paintArtwork(const RollArtwork& item, const QRectF& area) {
     paintPicture(item, geometry_.rectOf(item.artworkRectInches()));
-    paintFrame(geometry_.rectOf(item.trimRectInches()));
+    paintFrame(geometry_.rectOf(item.trimRectInches()), area);
 }
 
 void BoardPainter::paintPicture(const RollArtwork& item, const QRectF& place) {
     const double ratio = painter_.device()->devicePixelRatioF();
     const QRectF target = sharp(place, ratio);
     const QSize pixels = (target.size() * ratio).toSize().expandedTo({1, 1});
-    const QPixmap pixmap = pictures_.placed(item, session_.metadataFor(item), pixels);
+    const auto sharpness =
+        session_.arrangingGesture() ? BoardPictures::Sharpness::quick : BoardPictures::Sharpness::exact;
+    const QPixmap pixmap = pictures_.placed(item, session_.metadataFor(item), pixels, sharpness);
     if (pixmap.isNull()) {
         paintPlaceholder(item, target);
         return;
     }
+    painter_.setRenderHint(QPainter::SmoothPixmapTransform, pixmap.size() != pixels);
     painter_.drawPixmap(target, pixmap, QRectF(pixmap.rect()));
 }
 
@@ -95,13 +116,14 @@ void BoardPainter::paintPlaceholder(const RollArtwork& item, const QRectF& place
     }
 }
 
-void BoardPainter::paintFrame(const QRectF& frame) {
-    QPen dashed = pen(frameColor, 1.0);
-    dashed.setDashPattern(dashes);
-    painter_.setPen(dashed);
-    painter_.setBrush(Qt::NoBrush);
-    const double ratio = painter_.device()->devicePixelRatioF();
-    painter_.drawRect(sharp(frame, ratio).adjusted(0.5, 0.5, -0.5, -0.5));
+void BoardPainter::paintFrame(const QRectF& frame, const QRectF& area) {
+    const QRectF place = sharp(frame, painter_.device()->devicePixelRatioF());
+    painter_.setPen(Qt::NoPen);
+    painter_.setBrush(frameColor);
+    painter_.drawRects(dashesOf({place.topLeft(), QSizeF(place.width(), 1.0)}, area));
+    painter_.drawRects(dashesOf({place.bottomLeft() - QPointF(0.0, 1.0), QSizeF(place.width(), 1.0)}, area));
+    painter_.drawRects(dashesOf({place.topLeft(), QSizeF(1.0, place.height())}, area));
+    painter_.drawRects(dashesOf({place.topRight() - QPointF(1.0, 0.0), QSizeF(1.0, place.height())}, area));
 }
 
 void BoardPainter::paintSelection(const RollArtwork& item) {

@@ -28,10 +28,10 @@ public:
     static constexpr double selectionReach = 14.0;
 
 private:
-    void paintArtwork(const RollArtwork& item);
+    void paintArtwork(const RollArtwork& item, const QRectF& area);
     void paintPicture(const RollArtwork& item, const QRectF& place);
     void paintPlaceholder(const RollArtwork& item, const QRectF& place);
-    void paintFrame(const QRectF& frame);
+    void paintFrame(const QRectF& frame, const QRectF& area);
     void paintSelection(const RollArtwork& item);
     void paintRollEnd();
 

@@ -7,8 +7,8 @@
 #include <QImage>
 #include <QObject>
 #include <QPixmap>
-#include <QSet>
 
+#include <deque>
 #include <memory>
 
 namespace orvex {
@@ -19,7 +19,8 @@ class BoardPictures : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr int picturesBudgetKiB = 96 << 10;
+    static constexpr int thumbnailsBudgetKiB = 96 << 10; ///< of the smallest size, which stands in for the others
+    static constexpr int picturesBudgetKiB = 24 << 10;
     static constexpr int placedBudgetKiB = 32 << 10;
 
     explicit BoardPictures(QObject* parent = nullptr);
@@ -33,11 +34,28 @@ public:
     [[nodiscard]] QImage turnedPicture(const RollArtwork& artwork, const SharedImageMetadata& metadata,
                                        int longestSide);
 
-    /// The picture of an artwork turned as it lies on the roll, of exactly that many pixels; null until there is one.
-    [[nodiscard]] QPixmap placed(const RollArtwork& artwork, const SharedImageMetadata& metadata, const QSize& pixels);
+    enum class Sharpness {
+        exact,
+        quick ///< whatever size was drawn last, for a picture that changes its size with every step of the mouse
+    };
 
-    /// Makes the smallest size of every preview that has none yet, while the pixels are in memory.
-    void prepare(const QHash<QUuid, SharedImageMetadata>& previews);
+    /// The picture of an artwork turned as it lies on the roll, of exactly that many pixels; of fewer where the preview
+    /// has fewer, and until a better one has come. Null until there is one.
+    [[nodiscard]] QPixmap placed(const RollArtwork& artwork, const SharedImageMetadata& metadata, const QSize& pixels,
+                                 Sharpness sharpness = Sharpness::exact);
+
+    /// Makes the smallest size of a new preview, while its pixels are in memory.
+    void prepare(const SharedImageMetadata& metadata);
+
+    /// Gives up larger pictures that were asked for and are not begun, as the user goes on to other places. What is
+    /// drawn again asks again.
+    void giveUpLargerPictures();
+
+    /// Whether pictures are being made.
+    [[nodiscard]] bool isMaking() const { return makingCount_ > 0 || !requests_.empty(); }
+
+    /// What all pictures that are kept take.
+    [[nodiscard]] qsizetype heldKiB() const;
 
 Q_SIGNALS:
     /// A better picture of that preview has come.
@@ -48,25 +66,39 @@ private:
     using Key = std::pair<const ImageMetadata*, int>;
 
     /// A preview is told from a later one at the same address by its owner.
+    using Owner = std::weak_ptr<const ImageMetadata>;
+
     struct Picture {
-        std::weak_ptr<const ImageMetadata> owner;
+        Owner owner;
         QImage image;
     };
 
     struct Placed {
-        std::weak_ptr<const ImageMetadata> owner;
+        Owner owner;
         qint64 turns = 0;
         QPixmap pixmap;
     };
 
-    [[nodiscard]] QImage cached(const SharedImageMetadata& metadata, int size) const;
+    struct Request {
+        Key key;
+        Owner owner;
+    };
+
+    [[nodiscard]] QCache<Key, Picture>& cacheOf(int size);
+    [[nodiscard]] QImage cached(const SharedImageMetadata& metadata, int size);
+    [[nodiscard]] bool isBegun(const SharedImageMetadata& metadata, int size) const;
     void request(const SharedImageMetadata& metadata, int size);
-    void take(const std::weak_ptr<const ImageMetadata>& owner, const Key& key, const QImage& image);
+    void startRequests();
+    void start(const SharedImageMetadata& metadata, int size);
+    void take(const Owner& owner, const Key& key, const QImage& image);
 
     std::shared_ptr<DisplayPictures> maker_ = std::make_shared<DisplayPictures>();
-    mutable QCache<Key, Picture> pictures_{picturesBudgetKiB};
+    QCache<Key, Picture> thumbnails_{thumbnailsBudgetKiB};
+    QCache<Key, Picture> pictures_{picturesBudgetKiB};
     QCache<QUuid, Placed> placed_{placedBudgetKiB};
-    QHash<Key, std::weak_ptr<const ImageMetadata>> requested_; ///< those that failed stay, and are not tried again
+    std::deque<Request> requests_; ///< not begun; what was drawn last comes first
+    QHash<Key, Owner> begun_;      ///< those that failed stay, and are not tried again
+    int makingCount_ = 0;
 };
 
 } // namespace orvex

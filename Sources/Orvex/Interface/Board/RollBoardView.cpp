@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace orvex {
 
@@ -28,6 +29,9 @@ constexpr double canvasMargin = (BoardScale::surroundings - BoardRuler::thicknes
 
 constexpr int scrollStep = 24; // of an arrow of the scroll bars, in points
 constexpr int leastBoardHeight = 100;
+
+/// Where the roll's start is while nothing is scrolled, and what stays where it is when the board changes its size.
+constexpr QPointF boardStart{canvasMargin, canvasMargin};
 
 constexpr int edgeScrollInterval = 16; // milliseconds
 constexpr double edgeScrollZone = 24.0;
@@ -46,7 +50,9 @@ RollBoardView::RollBoardView(OrvexModel& session, BoardPictures& pictures, QWidg
     : QAbstractScrollArea(parent),
       session_(session),
       pictures_(pictures),
-      gestures_(session) {
+      gestures_(session),
+      geometry_{.origin = boardStart},
+      shownZoom_(session.rollZoom()) {
     BoardAccessibility::install();
     build();
     connectSignals();
@@ -92,7 +98,7 @@ void RollBoardView::connectSignals() {
 }
 
 void RollBoardView::syncFromSession() {
-    updateBoard(session_.rollZoom() != shownZoom_ ? zoomAnchor() : QPointF());
+    updateBoard(session_.rollZoom() != shownZoom_ ? zoomAnchor() : boardStart);
     updateArtworks();
     emptyState_->syncFromSession();
     const bool isEmpty = session_.rollLayout().items.isEmpty();
@@ -158,10 +164,23 @@ void RollBoardView::takeGeometry(double scale) {
     if (geometry == geometry_) {
         return;
     }
-    geometry_ = geometry;
+    const BoardGeometry before = std::exchange(geometry_, geometry);
     horizontalRuler_->setGeometryOfBoard(geometry_);
     verticalRuler_->setGeometryOfBoard(geometry_);
-    viewport()->update();
+    pictures_.giveUpLargerPictures();
+    updateViewport(before);
+}
+
+/// What is still seen after a movement of whole pixels is not drawn again.
+void RollBoardView::updateViewport(BoardGeometry before) {
+    const QPoint movement = (geometry_.origin - before.origin).toPoint();
+    before.origin += movement;
+    const double ratio = devicePixelRatioF();
+    if (before == geometry_ && ratio == std::floor(ratio)) {
+        viewport()->scroll(movement.x(), movement.y(), viewport()->rect());
+    } else {
+        viewport()->update();
+    }
 }
 
 /// The place that stays where it is when the zoom changes: below the mouse, or else the middle.
@@ -184,7 +203,7 @@ void RollBoardView::placeParts() {
 void RollBoardView::resizeEvent(QResizeEvent* event) {
     QAbstractScrollArea::resizeEvent(event);
     placeParts();
-    updateBoard({});
+    updateBoard(boardStart);
 }
 
 void RollBoardView::scrollContentsBy(int dx, int dy) {
@@ -204,7 +223,7 @@ void RollBoardView::updateArtworks() {
         session_.artworkPreviews() != shownPreviews_ || session_.rollLoadWarnings() != shownWarnings_;
     if (isOtherList || areOtherFacts || layout.widthInches != shownLayout_.widthInches) {
         viewport()->update();
-        pictures_.prepare(session_.artworkPreviews());
+        preparePictures();
     } else {
         for (qsizetype index = 0; index < layout.items.size(); ++index) {
             if (layout.items[index] != shownLayout_.items[index]) {
@@ -213,12 +232,13 @@ void RollBoardView::updateArtworks() {
             }
         }
     }
-    if (session_.selectedArtworkID() != shownSelection_) {
+    if (session_.selectedArtworkID() != shownSelection_ || session_.arrangingGesture() != shownGesture_) {
         viewport()->update();
     }
     const bool isNamedAnew = isOtherList || session_.selectedArtworkID() != shownSelection_;
     shownLayout_ = layout;
     shownSelection_ = session_.selectedArtworkID();
+    shownGesture_ = session_.arrangingGesture();
     shownPreviews_ = session_.artworkPreviews();
     shownWarnings_ = session_.rollLoadWarnings();
     if (isNamedAnew) {
@@ -233,6 +253,15 @@ void RollBoardView::updateRollEnd() {
     if (shownRollEnd_ != text) {
         shownRollEnd_ = text;
         viewport()->update(BoardPainter::rollEndArea(geometry_, viewport()->rect()).toAlignedRect());
+    }
+}
+
+void RollBoardView::preparePictures() {
+    const auto& previews = session_.artworkPreviews();
+    for (auto each = previews.cbegin(); each != previews.cend(); ++each) {
+        if (shownPreviews_.value(each.key()) != each.value()) {
+            pictures_.prepare(each.value());
+        }
     }
 }
 

@@ -69,10 +69,12 @@ private:
     void updateBoard(const QPointF& anchor);
     void setScrollRanges(double scale);
     void takeGeometry(double scale);
+    void updateViewport(BoardGeometry before);
     [[nodiscard]] QPointF zoomAnchor() const;
 
     // What changed
     void updateArtworks();
+    void preparePictures();
     void updateRegionOf(const RollArtwork& item);
     void updateRollEnd();
     [[nodiscard]] int heightForEmptyState() const;
@@ -100,6 +102,7 @@ private:
     // As last drawn
     RollLayout shownLayout_;
     std::optional<QUuid> shownSelection_;
+    bool shownGesture_ = false;
     QHash<QUuid, SharedImageMetadata> shownPreviews_;
     QHash<QUuid, QString> shownWarnings_;
     QString shownRollEnd_;

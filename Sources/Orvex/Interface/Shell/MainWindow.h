@@ -48,7 +48,7 @@ private:
 
     OrvexModel& session_;
     DesktopServices& services_;
-    BoardPictures pictures_;
+    BoardPictures pictures_{this};
     ContentView* content_;
     BatchSizingPresenter* batchSizing_;
     std::vector<std::pair<Command, QAction*>> commands_;
