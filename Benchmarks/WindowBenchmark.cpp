@@ -6,9 +6,9 @@
 #include "LargeBlocks.h"
 #include "NoDesktop.h"
 #include "OrvexModel.h"
-#include "OrvexTheme.h"
 #include "Shell/DesktopServices.h"
 #include "Shell/MainWindow.h"
+#include "Theme/OrvexTheme.h"
 #include "WindowWorkspace.h"
 
 #include <QApplication>

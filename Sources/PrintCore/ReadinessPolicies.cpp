@@ -87,7 +87,7 @@ NativePrintReadinessPolicy::evaluate(const std::optional<PrinterTelemetrySnapsho
     if (isStopped(*telemetry)) {
         return unavailable(
             spt("系统打印队列已停止、已停用或正在报告错误，无法直接打印。请先在佳能软件或系统打印队列中解决问题；"
-                "本程序不会自动启用队列。",
+                "本应用不会自动启用队列。",
                 "The system print queue is stopped, disabled or reporting an error. Direct printing is unavailable. "
                 "Resolve the issue in Canon or the system queue first; the app will not enable the queue "
                 "automatically.") +
@@ -95,7 +95,7 @@ NativePrintReadinessPolicy::evaluate(const std::optional<PrinterTelemetrySnapsho
     }
     if (telemetry->isAcceptingJobs == false) {
         return unavailable(
-            spt("系统打印队列目前不接受作业，无法直接打印。请先检查系统打印队列；本程序不会更改队列设置。",
+            spt("系统打印队列目前不接受作业，无法直接打印。请先检查系统打印队列；本应用不会更改队列设置。",
                 "The system queue is not accepting jobs. Direct printing is unavailable. Check the "
                 "system queue first; the app will not change queue settings.") +
             detail);

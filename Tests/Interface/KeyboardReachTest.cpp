@@ -1,5 +1,5 @@
-#include "LinkLabel.h"
-#include "RollKeyboardInput.h"
+#include "Board/RollKeyboardInput.h"
+#include "Controls/LinkLabel.h"
 #include "Shell/FullWindowTest.h"
 
 #include <QAbstractButton>

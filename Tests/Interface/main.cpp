@@ -1,5 +1,5 @@
-#include "OrvexTheme.h"
 #include "RunTests.h"
+#include "Theme/OrvexTheme.h"
 
 #include <QApplication>
 #include <QTemporaryDir>

@@ -337,11 +337,11 @@ TEST(NativePrintReadinessPolicy, SpeaksChineseToo) {
     telemetry.queueMessage = text("words");
     EXPECT_EQ(evaluated(telemetry).blockingReason,
               text("系统打印队列已停止、已停用或正在报告错误，无法直接打印。请先在佳能软件或系统打印队列中解决问题；"
-                   "本程序不会自动启用队列。\n系统报告：words；paused"));
+                   "本应用不会自动启用队列。\n系统报告：words；paused"));
     telemetry.queueReasons = {text("b-warning")};
     telemetry.isAcceptingJobs = false;
     EXPECT_EQ(evaluated(telemetry).blockingReason,
-              text("系统打印队列目前不接受作业，无法直接打印。请先检查系统打印队列；本程序不会更改队列设置。"
+              text("系统打印队列目前不接受作业，无法直接打印。请先检查系统打印队列；本应用不会更改队列设置。"
                    "\n系统报告：words；b-warning"));
     telemetry.isAcceptingJobs = std::nullopt;
     EXPECT_EQ(evaluated(telemetry).blockingReason,

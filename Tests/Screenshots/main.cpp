@@ -3,12 +3,12 @@
 
 #include "NoDesktop.h"
 #include "OrvexLanguage.h"
-#include "OrvexTheme.h"
 #include "PrinterFixtures.h"
 #include "Scenes.h"
 #include "SessionFixture.h"
 #include "Shell/DesktopServices.h"
 #include "Shell/MainWindow.h"
+#include "Theme/OrvexTheme.h"
 
 #include <QApplication>
 #include <QDir>

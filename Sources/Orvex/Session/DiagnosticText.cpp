@@ -86,7 +86,7 @@ QStringList canvasLines(const OrvexModel& session) {
         spt("维护墨盒和打印头：CUPS 未提供数据时为未知。空闲状态不代表硬件正常。",
             "Maintenance cartridge and printhead: unknown when CUPS exposes no data. Idle does not confirm hardware "
             "health."),
-        spt("已报告问题：连续打印数张后出现局部偏紫，位置不固定。原因和修复均未经实物验证。",
+        spt("已报告问题：连续打印数张后出现紫色斑块，位置不固定。原因和修复均未经实物验证。",
             "Reported issue: purple patches after several prints, in varying positions. Causes and repairs have "
             "not been physically validated.")};
 }

@@ -99,6 +99,8 @@ public:
     void recordRollUndo(const std::optional<RollLayout>& layout = std::nullopt);
     void undoRollEdit();
     void redoRollEdit();
+    [[nodiscard]] bool canUndoRollEdit() const;
+    [[nodiscard]] bool canRedoRollEdit() const;
 
     /// Whether a gesture is open now, so that its changes may follow.
     bool beginArrangeGesture();
@@ -109,6 +111,9 @@ public:
     void nudgeSelectedArtwork(RollNudgeDirection direction, bool accelerated);
     void endKeyboardNudge();
     void requestKeyboardFocus();
+
+    /// Whether the arrow keys may move an artwork now, for as long as the canvas is shown.
+    [[nodiscard]] bool canNudgeArtwork() const;
 
     // The canvas: edits
 
@@ -124,6 +129,7 @@ public:
     void removeArtwork(const QUuid& id);
     void setRollGap(double inches);
     void arrangeRoll(bool tight);
+    [[nodiscard]] bool canArrangeRoll() const;
     void changeRollWidth(double width);
 
     /// Puts a finished arrangement of the batch panel on the canvas, if the canvas is still the one that it started
@@ -156,7 +162,8 @@ public:
 
     // Export, jobs, printing
 
-    /// Whether the roll can go into the local queue.
+    /// Whether the roll can be exported, and whether it can go into the local queue.
+    [[nodiscard]] bool canExportRoll() const;
     [[nodiscard]] bool canStageRoll() const;
     void stageRollPDF();
     void exportRollPDF();

@@ -20,4 +20,9 @@ QString QueueTexts::systemJobs(const PrinterReadings& readings) {
     return lines.join(u'\n');
 }
 
+QString QueueTexts::localQueueUnavailable() {
+    return spt("本地待打印队列不可用。仍可导出 PDF；现有作业已保留。",
+               "The local queue is unavailable. You can still export a PDF; existing jobs are preserved.");
+}
+
 } // namespace orvex

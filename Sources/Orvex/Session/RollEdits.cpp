@@ -154,6 +154,10 @@ void OrvexModel::setRollGap(double inches) {
     persistRollLayout();
 }
 
+bool OrvexModel::canArrangeRoll() const {
+    return !busy() && !rollLayout().items.isEmpty();
+}
+
 void OrvexModel::arrangeRoll(bool tight) {
     const double gapInches = tight ? 0.0 : arrangementGap();
     if (!busy()) {

@@ -74,8 +74,12 @@ bool OrvexModel::refusesExport() {
     return issue.has_value();
 }
 
+bool OrvexModel::canExportRoll() const {
+    return !busy() && !rollExportIssue();
+}
+
 bool OrvexModel::canStageRoll() const {
-    return !busy() && queueAvailable() && !rollExportIssue();
+    return canExportRoll() && queueAvailable();
 }
 
 void OrvexModel::stageRollPDF() {

@@ -92,6 +92,10 @@ void OrvexModel::endArrangeGesture() {
     persistRollLayout();
 }
 
+bool OrvexModel::canNudgeArtwork() const {
+    return !isGestureLocked() && selectedArtworkID();
+}
+
 void OrvexModel::nudgeSelectedArtwork(RollNudgeDirection direction, bool accelerated) {
     const auto selected = selectedArtwork();
     if (isGestureLocked() || tab() != 0 || !selected) {

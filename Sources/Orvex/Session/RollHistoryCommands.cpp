@@ -26,9 +26,18 @@ void OrvexModel::redoRollEdit() {
     goThroughHistory(&RollHistory::redo);
 }
 
+bool OrvexModel::canUndoRollEdit() const {
+    return rollUndoAvailable() && !busy();
+}
+
+bool OrvexModel::canRedoRollEdit() const {
+    return rollRedoAvailable() && !busy();
+}
+
 /// Takes the layout that a step of undo or redo leads to, if there is one.
 void OrvexModel::goThroughHistory(HistoryStep step) {
     endKeyboardNudge();
+    endArrangeGesture(); // the step goes through the drag, too
     if (busy()) {
         return;
     }

@@ -59,7 +59,7 @@ QString TelemetryTexts::sampled(const PrinterTelemetrySnapshot& telemetry) {
 QList<TelemetryTexts::Row> TelemetryTexts::rows(const PrinterTelemetrySnapshot& telemetry) {
     QList<Row> rows{
         {spt("队列状态", "Queue state"), stateText(telemetry.queueState)},
-        {spt("排队作业", "Queued jobs"), countText(telemetry.queuedJobCount)},
+        {spt("排队作业数", "Queued jobs"), countText(telemetry.queuedJobCount)},
         {spt("维护墨盒", "Maintenance cartridge"),
          PrinterTelemetrySnapshot::maintenanceCartridgeStatus().value_or(notProvided())},
         {spt("打印头", "Printhead"), PrinterTelemetrySnapshot::printheadStatus().value_or(notProvided())},

@@ -166,6 +166,58 @@ TEST_F(RollBoardViewTest, ADragThatTheSessionHasEndedGoesOnNoMore) {
     EXPECT_FALSE(model->arrangingGesture());
 }
 
+TEST_F(RollBoardViewTest, TheSecondPressOfTwoQuickOnesBeginsADrag) {
+    startWith(1);
+    show();
+    const QPoint grip = centerOf(0);
+    press(grip);
+    release(grip);
+    QMouseEvent second(QEvent::MouseButtonDblClick, grip, board->viewport()->mapToGlobal(grip), Qt::LeftButton,
+                       Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(board->viewport(), &second);
+    moveTo(grip + QPoint(20, 0));
+    moveTo(grip + QPoint(50, 0));
+    release(grip + QPoint(50, 0));
+    EXPECT_EQ(item(0).xInches, 5.0);
+}
+
+TEST_F(RollBoardViewTest, FitsTheWidthWhateverTheWindowMeasures) {
+    startWith(1);
+    show();
+    for (const double rollWidth : {60.0, 44.0, 42.0, 59.5}) {
+        model->changeRollWidth(rollWidth);
+        for (int width = 500; width < 600; ++width) {
+            board->resize(width, 400);
+            turn();
+            EXPECT_EQ(board->horizontalScrollBar()->maximum(), 0) << rollWidth << " in on " << width;
+        }
+    }
+}
+
+TEST_F(RollBoardViewTest, AnArtworkTakenAtAnEdgeStaysThereUntilItIsDraggedOutwards) {
+    startWith(40);
+    show();
+    const QPoint grip(centerOf(0).x(), 4);
+    press(grip);
+    moveTo(grip + QPoint(30, 0));
+    moveTo(grip + QPoint(60, 0));
+    QTest::qWait(60);
+    EXPECT_EQ(board->verticalScrollBar()->value(), 0);
+    release(grip + QPoint(60, 0));
+    board->verticalScrollBar()->setValue(300);
+    turn();
+    const auto taken = board->hitAt(QPointF(300, 12));
+    ASSERT_TRUE(taken);
+    press({300, 12});
+    moveTo({320, 14});
+    moveTo({340, 14});
+    QTest::qWait(60);
+    EXPECT_EQ(board->verticalScrollBar()->value(), 300);
+    moveTo({340, 2});
+    waitFor([this] { return board->verticalScrollBar()->value() < 300; });
+    release({340, 2});
+}
+
 TEST_F(RollBoardViewTest, HidingTheBoardEndsAGesture) {
     startWith(1);
     show();

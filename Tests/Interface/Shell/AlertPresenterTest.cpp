@@ -58,6 +58,18 @@ TEST_F(AlertPresenterTest, AnErrorIsShownUnderItsTitleUntilItIsDismissed) {
     EXPECT_TRUE(alerts().isEmpty());
 }
 
+TEST_F(AlertPresenterTest, AMessageOfRareCharactersIsGoneOnceItIsDismissed) {
+    start();
+    open();
+    const QString rare = QStringLiteral("Summer\u00A0sale\u2028and\u2029more\r\nof\rit.png");
+    fail(rare);
+    ASSERT_EQ(alerts().size(), 1);
+    EXPECT_EQ(alerts().first()->message(), rare);
+    dismiss();
+    EXPECT_FALSE(model->errorMessage());
+    EXPECT_TRUE(alerts().isEmpty());
+}
+
 TEST_F(AlertPresenterTest, TheNextErrorTakesThePlaceOfTheOneThatIsShown) {
     start();
     open();

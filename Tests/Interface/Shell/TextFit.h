@@ -1,8 +1,8 @@
 #pragma once
 
-#include "RollKeyboardInput.h"
-#include "WrappingCheckBox.h"
-#include "WrappingLabel.h"
+#include "Board/RollKeyboardInput.h"
+#include "Controls/WrappingCheckBox.h"
+#include "Controls/WrappingLabel.h"
 
 #include <QAbstractButton>
 #include <QAbstractScrollArea>

@@ -199,13 +199,17 @@ TEST_F(Staging, KeepsTheChoicesOfTheMomentItBegan) {
 
 TEST_F(Staging, IsOfferedForARollThatCanGoIntoTheQueue) {
     EXPECT_FALSE(model->canStageRoll()); // the roll is empty
+    EXPECT_FALSE(model->canExportRoll());
     importTwo();
     EXPECT_TRUE(model->canStageRoll());
+    EXPECT_TRUE(model->canExportRoll());
     SessionBackdoor::set(model->busy, true);
     EXPECT_FALSE(model->canStageRoll());
+    EXPECT_FALSE(model->canExportRoll());
     SessionBackdoor::set(model->busy, false);
     SessionBackdoor::set(model->queueAvailable, false);
     EXPECT_FALSE(model->canStageRoll());
+    EXPECT_TRUE(model->canExportRoll());
 }
 
 TEST_F(Staging, TellsTheIssueAndDoesNothing) {

@@ -43,7 +43,7 @@ TEST(TelemetryRows, SayWhatIsNotProvided) {
                             row("Maintenance cartridge", "Not provided"), row("Printhead", "Not provided")));
     const test::InChinese chinese;
     EXPECT_THAT(TelemetryTexts::rows({.queueName = queue}),
-                ElementsAre(row("队列状态", "未提供"), row("排队作业", "未提供"), row("维护墨盒", "未提供"),
+                ElementsAre(row("队列状态", "未提供"), row("排队作业数", "未提供"), row("维护墨盒", "未提供"),
                             row("打印头", "未提供")));
 }
 

@@ -1,8 +1,8 @@
 #include "BoardEmptyState.h"
 
-#include "Controls.h"
+#include "Controls/Controls.h"
 #include "OrvexLanguage.h"
-#include "OrvexTheme.h"
+#include "Theme/OrvexTheme.h"
 
 #include <QPainter>
 

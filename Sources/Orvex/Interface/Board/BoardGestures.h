@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Board/BoardHit.h"
 #include "OrvexModel.h"
 
 #include <QMap>
@@ -22,16 +23,6 @@ struct ResizeOrigin {
     double height = 0.0;
     double x = 0.0;
     double scale = 1.0; ///< points per inch at that moment
-};
-
-/// What lies under the mouse.
-struct BoardHit {
-    enum class Part { frame, handle };
-
-    QUuid id;
-    Part part = Part::frame;
-
-    bool operator==(const BoardHit&) const = default;
 };
 
 /// Turns a press, its movement and its release into a tap, a move or a scaling of an artwork. Positions are those of

@@ -1,8 +1,8 @@
 #include "BoardPainter.h"
 
-#include "OrvexIcons.h"
 #include "OrvexLanguage.h"
-#include "OrvexTheme.h"
+#include "Theme/OrvexIcons.h"
+#include "Theme/OrvexTheme.h"
 
 #include <algorithm>
 #include <cmath>
@@ -64,20 +64,25 @@ BoardPainter::BoardPainter(QPainter& painter, const OrvexModel& session, BoardPi
 void BoardPainter::paint(const QRectF& area) {
     painter_.fillRect(area, OrvexTheme::background);
     painter_.fillRect(geometry_.canvas() & area, OrvexTheme::canvas);
-    for (const RollArtwork& item : session_.rollLayout().items) {
-        if (geometry_.rectOf(item.trimRectInches()).adjusted(-1, -1, 1, 1).intersects(area)) {
-            paintArtwork(item, area);
-        }
-    }
+    paintArtworks(area);
     if (const auto selected = session_.selectedArtwork()) {
         paintSelection(*selected);
     }
     paintRollEnd();
 }
 
-void BoardPainter::paintArtwork(const RollArtwork& item, const QRectF& area) {
-    paintPicture(item, geometry_.rectOf(item.artworkRectInches()));
-    paintFrame(geometry_.rectOf(item.trimRectInches()), area);
+/// All frames lie above all pictures, as in print.
+void BoardPainter::paintArtworks(const QRectF& area) {
+    QList<RollArtwork> shown = session_.rollLayout().items;
+    shown.removeIf([&](const RollArtwork& item) {
+        return !geometry_.rectOf(item.trimRectInches()).adjusted(-1, -1, 1, 1).intersects(area);
+    });
+    for (const RollArtwork& item : shown) {
+        paintPicture(item, geometry_.rectOf(item.artworkRectInches()));
+    }
+    for (const RollArtwork& item : shown) {
+        paintFrame(geometry_.rectOf(item.trimRectInches()), area);
+    }
 }
 
 void BoardPainter::paintPicture(const RollArtwork& item, const QRectF& place) {
@@ -102,9 +107,12 @@ void BoardPainter::paintPlaceholder(const RollArtwork& item, const QRectF& place
     QColor tint = frameColor;
     tint.setAlphaF(static_cast<float>(placeholderOpacity));
     painter_.fillRect(place, tint);
+    const bool isMissing = !session_.metadataFor(item); // else its picture is being made
     const double side = std::min({symbolSide, place.width(), place.height()});
     const QRectF symbol(place.center() - QPointF(side, side) / 2.0, QSizeF(side, side));
-    OrvexIcons::icon(OrvexIcons::Symbol::missingPicture, placeholderText).paint(&painter_, symbol.toRect());
+    if (isMissing) {
+        OrvexIcons::icon(OrvexIcons::Symbol::missingPicture, placeholderText).paint(&painter_, symbol.toRect());
+    }
 
     const QString warning = session_.rollLoadWarnings().value(item.id);
     const QRectF room = place.adjusted(inset, inset, -inset, -inset);

@@ -28,7 +28,7 @@ public:
     static constexpr double selectionReach = 14.0;
 
 private:
-    void paintArtwork(const RollArtwork& item, const QRectF& area);
+    void paintArtworks(const QRectF& area);
     void paintPicture(const RollArtwork& item, const QRectF& place);
     void paintPlaceholder(const RollArtwork& item, const QRectF& place);
     void paintFrame(const QRectF& frame, const QRectF& area);

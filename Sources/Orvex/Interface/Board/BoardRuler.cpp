@@ -1,9 +1,10 @@
 #include "BoardRuler.h"
 
 #include "BoardScale.h"
+#include "Controls/Controls.h"
 #include "OrvexLanguage.h"
-#include "OrvexTheme.h"
 #include "SizeTexts.h"
+#include "Theme/OrvexTheme.h"
 
 #include <QPainter>
 
@@ -19,9 +20,7 @@ constexpr int gap = 3; // between a mark's line and its number
 } // namespace
 
 BoardRuler::BoardRuler(Qt::Orientation orientation, QWidget* parent) : QWidget(parent), orientation_(orientation) {
-    QFont small = font();
-    small.setPointSizeF(small.pointSizeF() * 0.85);
-    setFont(small);
+    setFont(controls::resized(font(), 0.85));
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setAccessibleName(orientation == Qt::Horizontal ? spt("横向标尺", "Ruler across the roll")
                                                     : spt("纵向标尺", "Ruler along the roll"));

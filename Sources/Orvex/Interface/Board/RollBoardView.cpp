@@ -5,7 +5,8 @@
 #include "Board/BoardPainter.h"
 #include "BoardScale.h"
 #include "BoardTexts.h"
-#include "InchFieldView.h"
+#include "Controls/Controls.h"
+#include "Controls/InchFieldView.h"
 
 #include <QAccessible>
 #include <QKeyEvent>
@@ -33,17 +34,6 @@ constexpr int leastBoardHeight = 100;
 /// Where the roll's start is while nothing is scrolled, and what stays where it is when the board changes its size.
 constexpr QPointF boardStart{canvasMargin, canvasMargin};
 
-constexpr int edgeScrollInterval = 16; // milliseconds
-constexpr double edgeScrollZone = 24.0;
-constexpr double edgeScrollStep = 12.0;
-
-/// How far a place lies inside the zone at either end of a side, with its sign.
-double beyondEdge(double position, double length) {
-    const double before = std::min(position - edgeScrollZone, 0.0);
-    const double behind = std::max(position - (length - edgeScrollZone), 0.0);
-    return std::clamp((before + behind) / edgeScrollZone, -1.0, 1.0);
-}
-
 } // namespace
 
 RollBoardView::RollBoardView(OrvexModel& session, BoardPictures& pictures, QWidget* parent)
@@ -52,11 +42,11 @@ RollBoardView::RollBoardView(OrvexModel& session, BoardPictures& pictures, QWidg
       pictures_(pictures),
       gestures_(session),
       geometry_{.origin = boardStart},
+      edgeScrolling_(*this),
       shownZoom_(session.rollZoom()) {
     BoardAccessibility::install();
     build();
     connectSignals();
-    shownZoom_ = session_.rollZoom();
     takeGeometry(scaleNow());
     syncFromSession();
 }
@@ -81,20 +71,14 @@ void RollBoardView::build() {
     keyboard_->setObjectName(QStringLiteral("rollKeyboard"));
     keyboard_->lower();
     setFocusProxy(keyboard_);
-    edgeScrolling_.setInterval(edgeScrollInterval);
 }
 
 void RollBoardView::connectSignals() {
     connect(&session_, &OrvexModel::changed, this, &RollBoardView::syncFromSession);
-    connect(&pictures_, &BoardPictures::pictureReady, this, [this](const ImageMetadata* metadata) {
-        for (const RollArtwork& item : shownLayout_.items) {
-            if (shownPreviews_.value(item.id).get() == metadata) {
-                updateRegionOf(item);
-            }
-        }
-    });
+    connect(&pictures_, &BoardPictures::pictureReady, this,
+            [this](const ImageMetadata* metadata) { viewport()->update(drawn_.placesOf(metadata, geometry_)); });
     connect(keyboard_, &RollKeyboardResponderView::focusChanged, viewport(), qOverload<>(&QWidget::update));
-    connect(&edgeScrolling_, &QTimer::timeout, this, [this] { scrollTowards(lastMouse_); });
+    connect(&edgeScrolling_, &EdgeScrolling::scrolled, this, &RollBoardView::dragOn);
 }
 
 void RollBoardView::syncFromSession() {
@@ -146,9 +130,10 @@ void RollBoardView::setScrollRanges(double scale) {
     const QSizeF content = contentSize(scale);
     const auto set = [](QScrollBar& bar, double contentLength, int page) {
         constexpr double longest = 1 << 30;
+        constexpr double rounding = 1e-6; // what the product of scale and width may be too long by
         bar.setPageStep(page);
         bar.setSingleStep(scrollStep);
-        bar.setRange(0, static_cast<int>(std::ceil(std::clamp(contentLength - page, 0.0, longest))));
+        bar.setRange(0, static_cast<int>(std::ceil(std::clamp(contentLength - page - rounding, 0.0, longest))));
     };
     set(*horizontalScrollBar(), content.width(), viewport()->width());
     set(*verticalScrollBar(), content.height(), viewport()->height());
@@ -216,32 +201,16 @@ void RollBoardView::scrollContentsBy(int dx, int dy) {
 // What changed
 
 void RollBoardView::updateArtworks() {
-    const RollLayout& layout = session_.rollLayout();
-    const bool isOtherList =
-        !std::ranges::equal(layout.items, shownLayout_.items, {}, &RollArtwork::id, &RollArtwork::id);
-    const bool areOtherFacts =
-        session_.artworkPreviews() != shownPreviews_ || session_.rollLoadWarnings() != shownWarnings_;
-    if (isOtherList || areOtherFacts || layout.widthInches != shownLayout_.widthInches) {
+    const BoardSnapshot::Change change = drawn_.take(session_, geometry_);
+    if (change.isEverywhere) {
         viewport()->update();
-        preparePictures();
-    } else {
-        for (qsizetype index = 0; index < layout.items.size(); ++index) {
-            if (layout.items[index] != shownLayout_.items[index]) {
-                updateRegionOf(shownLayout_.items[index]);
-                updateRegionOf(layout.items[index]);
-            }
-        }
+    } else if (!change.region.isEmpty()) {
+        viewport()->update(change.region);
     }
-    if (session_.selectedArtworkID() != shownSelection_ || session_.arrangingGesture() != shownGesture_) {
-        viewport()->update();
+    for (const SharedImageMetadata& preview : change.newPreviews) {
+        pictures_.prepare(preview);
     }
-    const bool isNamedAnew = isOtherList || session_.selectedArtworkID() != shownSelection_;
-    shownLayout_ = layout;
-    shownSelection_ = session_.selectedArtworkID();
-    shownGesture_ = session_.arrangingGesture();
-    shownPreviews_ = session_.artworkPreviews();
-    shownWarnings_ = session_.rollLoadWarnings();
-    if (isNamedAnew) {
+    if (change.isNamedAnew) {
         announceToAssistants();
     }
     updateRollEnd();
@@ -256,24 +225,9 @@ void RollBoardView::updateRollEnd() {
     }
 }
 
-void RollBoardView::preparePictures() {
-    const auto& previews = session_.artworkPreviews();
-    for (auto each = previews.cbegin(); each != previews.cend(); ++each) {
-        if (shownPreviews_.value(each.key()) != each.value()) {
-            pictures_.prepare(each.value());
-        }
-    }
-}
-
-void RollBoardView::updateRegionOf(const RollArtwork& item) {
-    const double reach = BoardPainter::selectionReach;
-    viewport()->update(geometry_.rectOf(item.trimRectInches()).adjusted(-reach, -reach, reach, reach).toAlignedRect());
-}
-
 void RollBoardView::updateKeyboard() {
     keyboard_->take({.focusRequest = session_.rollKeyboardFocusRequest(),
-                     .isEnabled = !session_.busy() && !session_.batchSizingPresented() &&
-                                  !session_.arrangingGesture() && session_.selectedArtworkID().has_value(),
+                     .isEnabled = session_.canNudgeArtwork(),
                      .onMove = [this](RollNudgeDirection direction,
                                       bool isAccelerated) { session_.nudgeSelectedArtwork(direction, isAccelerated); },
                      .onEnd = [this] { session_.endKeyboardNudge(); }});
@@ -299,17 +253,7 @@ int RollBoardView::heightForEmptyState() const {
 // What lies where
 
 std::optional<BoardHit> RollBoardView::hitAt(const QPointF& position) const {
-    const auto selected = session_.selectedArtwork();
-    if (selected && BoardGeometry::handleOf(geometry_.rectOf(selected->trimRectInches())).contains(position)) {
-        return BoardHit{.id = selected->id, .part = BoardHit::Part::handle};
-    }
-    const QList<RollArtwork>& items = session_.rollLayout().items;
-    for (auto item = items.crbegin(); item != items.crend(); ++item) {
-        if (geometry_.rectOf(item->trimRectInches()).contains(position)) {
-            return BoardHit{.id = item->id, .part = BoardHit::Part::frame};
-        }
-    }
-    return std::nullopt;
+    return BoardHit::at(position, session_, geometry_);
 }
 
 QRectF RollBoardView::frameOf(const QUuid& id) const {
@@ -345,9 +289,15 @@ void RollBoardView::mousePressEvent(QMouseEvent* event) {
     }
 }
 
+/// The second press of two quick ones may begin a drag as well.
+void RollBoardView::mouseDoubleClickEvent(QMouseEvent* event) {
+    mousePressEvent(event);
+}
+
 void RollBoardView::startPress(const BoardHit& hit, const QPointF& position) {
     scrolledSincePress_ = {};
     lastMouse_ = position;
+    edgeScrolling_.start(position);
     gestures_.press(hit, position);
 }
 
@@ -358,11 +308,8 @@ void RollBoardView::mouseMoveEvent(QMouseEvent* event) {
         return;
     }
     dragTo(event->position());
-    const QSize size = viewport()->size();
-    const bool isAtEdge =
-        beyondEdge(lastMouse_.x(), size.width()) != 0.0 || beyondEdge(lastMouse_.y(), size.height()) != 0.0;
-    if (isAtEdge && gestures_.isDragging() && !edgeScrolling_.isActive()) {
-        edgeScrolling_.start();
+    if (gestures_.isDragging()) {
+        edgeScrolling_.follow(lastMouse_);
     }
 }
 
@@ -379,17 +326,13 @@ void RollBoardView::dragTo(const QPointF& position) {
     gestures_.drag(position + scrolledSincePress_, geometry_.pointsPerInch);
 }
 
-/// While something is dragged to an edge of the view, the canvas moves on below it.
-void RollBoardView::scrollTowards(const QPointF& position) {
-    const double dx = beyondEdge(position.x(), viewport()->width());
-    const double dy = beyondEdge(position.y(), viewport()->height());
-    if (!gestures_.isDragging() || (dx == 0.0 && dy == 0.0)) {
+/// The canvas has moved on below what is dragged.
+void RollBoardView::dragOn() {
+    if (!gestures_.isDragging()) {
         edgeScrolling_.stop();
         return;
     }
-    horizontalScrollBar()->setValue(horizontalScrollBar()->value() + qRound(dx * edgeScrollStep));
-    verticalScrollBar()->setValue(verticalScrollBar()->value() + qRound(dy * edgeScrollStep));
-    dragTo(position);
+    dragTo(lastMouse_);
 }
 
 void RollBoardView::updateCursor(const QPointF& position) {
@@ -404,9 +347,7 @@ void RollBoardView::updateCursor(const QPointF& position) {
 void RollBoardView::wheelEvent(QWheelEvent* event) {
     if (!event->modifiers().testFlag(Qt::ControlModifier)) {
         QAbstractScrollArea::wheelEvent(event);
-        if (gestures_.isDragging()) {
-            dragTo(lastMouse_);
-        }
+        dragOn();
         return;
     }
     // A wheel without clicks, or a touchpad, turns by less than a step at a time.
@@ -452,9 +393,8 @@ bool RollBoardView::showToolTip(const QPoint& position, const QPoint& globalPosi
     const QList<RollArtwork>& items = session_.rollLayout().items;
     const auto item = std::ranges::find(items, hit->id, &RollArtwork::id);
     const QString warning = session_.rollLoadWarnings().value(hit->id);
-    const QString text = warning.isEmpty() ? item->title : item->title + u'\n' + warning;
     QToolTip::showText(globalPosition,
-                       QStringLiteral("<p style='white-space:pre-wrap'>%1</p>").arg(text.toHtmlEscaped()), viewport());
+                       controls::toolTip(warning.isEmpty() ? item->title : item->title + u'\n' + warning), viewport());
     return true;
 }
 

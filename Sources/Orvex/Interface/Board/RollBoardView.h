@@ -4,11 +4,12 @@
 #include "Board/BoardGestures.h"
 #include "Board/BoardPictures.h"
 #include "Board/BoardRuler.h"
+#include "Board/BoardSnapshot.h"
+#include "Board/EdgeScrolling.h"
+#include "Board/RollKeyboardInput.h"
 #include "OrvexModel.h"
-#include "RollKeyboardInput.h"
 
 #include <QAbstractScrollArea>
-#include <QTimer>
 
 #include <optional>
 
@@ -53,6 +54,7 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -74,8 +76,6 @@ private:
 
     // What changed
     void updateArtworks();
-    void preparePictures();
-    void updateRegionOf(const RollArtwork& item);
     void updateRollEnd();
     [[nodiscard]] int heightForEmptyState() const;
     void updateKeyboard();
@@ -85,7 +85,7 @@ private:
     void startPress(const BoardHit& hit, const QPointF& position);
     void dragTo(const QPointF& position);
     void zoomAt(const QPointF& position, bool isIn);
-    void scrollTowards(const QPointF& position);
+    void dragOn();
     void updateCursor(const QPointF& position);
     bool showToolTip(const QPoint& position, const QPoint& globalPosition);
 
@@ -97,14 +97,10 @@ private:
     QPointF scrolledSincePress_;
     bool isRescaling_ = false; ///< the scroll bars follow the scale, which is no movement of the canvas
     int wheelTurn_ = 0;        ///< what has come of the next step, in eighths of a degree
-    QTimer edgeScrolling_;
+    EdgeScrolling edgeScrolling_;
 
     // As last drawn
-    RollLayout shownLayout_;
-    std::optional<QUuid> shownSelection_;
-    bool shownGesture_ = false;
-    QHash<QUuid, SharedImageMetadata> shownPreviews_;
-    QHash<QUuid, QString> shownWarnings_;
+    BoardSnapshot drawn_;
     QString shownRollEnd_;
     double shownZoom_ = 0.0;
 

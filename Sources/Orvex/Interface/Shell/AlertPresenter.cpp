@@ -1,9 +1,8 @@
 #include "AlertPresenter.h"
 
-#include "RollKeyboardInput.h"
+#include "Board/RollKeyboardInput.h"
 
 #include <QApplication>
-#include <QTimer>
 
 namespace orvex {
 
@@ -17,7 +16,10 @@ AlertPresenter::AlertPresenter(OrvexModel& session, QWidget& window)
     : QObject(&window),
       session_(session),
       window_(window) {
+    retry_.setSingleShot(true);
+    retry_.setInterval(retryMilliseconds);
     connect(&session_, &OrvexModel::changed, this, &AlertPresenter::syncFromSession);
+    connect(&retry_, &QTimer::timeout, this, &AlertPresenter::syncFromSession);
 }
 
 AlertPresenter::~AlertPresenter() {
@@ -35,7 +37,7 @@ void AlertPresenter::syncFromSession() {
     } else if (alert_) {
         alert_->setMessage(*message);
     } else if (mustWait()) {
-        QTimer::singleShot(retryMilliseconds, this, &AlertPresenter::syncFromSession);
+        retry_.start();
     } else {
         show(*message);
     }

@@ -5,6 +5,7 @@
 #include "Shell/AlertView.h"
 
 #include <QPointer>
+#include <QTimer>
 
 namespace orvex {
 
@@ -27,6 +28,7 @@ private:
     OrvexModel& session_;
     QWidget& window_;
     AlertRules rules_;
+    QTimer retry_;
     QPointer<AlertView> alert_;
 };
 

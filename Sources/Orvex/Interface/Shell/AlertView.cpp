@@ -1,8 +1,8 @@
 #include "AlertView.h"
 
-#include "Controls.h"
+#include "Controls/Controls.h"
+#include "Controls/WrappedText.h"
 #include "OrvexLanguage.h"
-#include "WrappedText.h"
 
 #include <QFontMetricsF>
 #include <QHBoxLayout>
@@ -48,7 +48,7 @@ int heightOf(const QPlainTextEdit& field) {
 
 } // namespace
 
-AlertView::AlertView(const QString& message, QWidget* parent) : QDialog(parent), message_(messageField()) {
+AlertView::AlertView(const QString& message, QWidget* parent) : QDialog(parent), field_(messageField()) {
     setObjectName(QStringLiteral("alert"));
     setWindowModality(Qt::WindowModal);
     setWindowTitle(spt("无法完成操作", "Could not complete action"));
@@ -62,7 +62,7 @@ void AlertView::build() {
     auto* texts = new QVBoxLayout;
     texts->setSpacing(controls::spacing);
     texts->addWidget(controls::heading(windowTitle()));
-    texts->addWidget(message_);
+    texts->addWidget(field_);
     auto* content = controls::row();
     content->setSpacing(controls::margin);
     content->addWidget(controls::picture(style()->standardIcon(QStyle::SP_MessageBoxWarning), pictureSide), 0,
@@ -89,13 +89,10 @@ void AlertView::keyPressEvent(QKeyEvent* event) {
 
 /// The description is what is read aloud when the alert opens.
 void AlertView::setMessage(const QString& message) {
-    message_->setPlainText(message);
-    message_->setFixedHeight(heightOf(*message_));
+    message_ = message;
+    field_->setPlainText(message);
+    field_->setFixedHeight(heightOf(*field_));
     setAccessibleDescription(message);
-}
-
-QString AlertView::message() const {
-    return message_->toPlainText();
 }
 
 } // namespace orvex

@@ -18,7 +18,8 @@ public:
     /// Shows another message in place of the first.
     void setMessage(const QString& message);
 
-    [[nodiscard]] QString message() const;
+    /// The message as it was given; the field shows some of its characters as others.
+    [[nodiscard]] const QString& message() const { return message_; }
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -26,7 +27,8 @@ protected:
 private:
     void build();
 
-    QPlainTextEdit* message_;
+    QString message_;
+    QPlainTextEdit* field_;
 };
 
 } // namespace orvex

@@ -1,16 +1,16 @@
 #include "ContentView.h"
 
-#include "Controls.h"
-#include "DiagnosticsPanel.h"
-#include "HeaderBar.h"
-#include "MonitorPanel.h"
+#include "Controls/Controls.h"
 #include "OrvexLanguage.h"
-#include "OutputControls.h"
-#include "PrinterSidebar.h"
-#include "QueuePanel.h"
-#include "RollWorkspaceView.h"
-#include "SafetyBanner.h"
+#include "OutputOptions/OutputControls.h"
+#include "Panels/DiagnosticsPanel.h"
+#include "Panels/MonitorPanel.h"
+#include "Panels/QueuePanel.h"
+#include "Shell/HeaderBar.h"
+#include "Shell/PrinterSidebar.h"
+#include "Shell/SafetyBanner.h"
 #include "Shell/StatusLine.h"
+#include "Workspace/RollWorkspaceView.h"
 
 #include <QSignalBlocker>
 

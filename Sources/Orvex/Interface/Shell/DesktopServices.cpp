@@ -1,7 +1,7 @@
 #include "DesktopServices.h"
 
+#include "Controls/InchFieldView.h"
 #include "Files/Paths.h"
-#include "InchFieldView.h"
 #include "OrvexError.h"
 #include "OrvexLanguage.h"
 #include "Shell/FileKinds.h"

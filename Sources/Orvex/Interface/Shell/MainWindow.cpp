@@ -1,7 +1,7 @@
 #include "MainWindow.h"
 
-#include "BatchSizingPresenter.h"
-#include "Controls.h"
+#include "BatchSizing/BatchSizingPresenter.h"
+#include "Controls/Controls.h"
 #include "OrvexLanguage.h"
 #include "Shell/AlertPresenter.h"
 #include "Shell/ContentView.h"

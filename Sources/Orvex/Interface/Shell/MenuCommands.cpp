@@ -15,14 +15,6 @@ std::function<bool()> whenFree(OrvexModel& session) {
     return [&session] { return !session.busy() && !session.batchSizingPresented(); };
 }
 
-/// A step through the history in the middle of a drag goes through the drag, too, and ends it.
-std::function<void()> afterDrag(OrvexModel& session, void (OrvexModel::*step)()) {
-    return [&session, step] {
-        session.endArrangeGesture();
-        (session.*step)();
-    };
-}
-
 QKeySequence control(int key, Qt::KeyboardModifiers more = Qt::NoModifier) {
     return {QKeyCombination(Qt::ControlModifier | more, static_cast<Qt::Key>(key))};
 }
@@ -72,13 +64,13 @@ QList<Command> MenuCommands::editCommands(OrvexModel& session) {
     return {{.name = QStringLiteral("undoLayoutAction"),
              .title = spt("撤销排版", "Undo Layout"),
              .shortcut = control(Qt::Key_Z),
-             .run = afterDrag(session, &OrvexModel::undoRollEdit),
-             .isEnabled = [&session] { return session.rollUndoAvailable() && !session.busy(); }},
+             .run = [&session] { session.undoRollEdit(); },
+             .isEnabled = [&session] { return session.canUndoRollEdit(); }},
             {.name = QStringLiteral("redoLayoutAction"),
              .title = spt("重做排版", "Redo Layout"),
              .shortcut = control(Qt::Key_Z, Qt::ShiftModifier),
-             .run = afterDrag(session, &OrvexModel::redoRollEdit),
-             .isEnabled = [&session] { return session.rollRedoAvailable() && !session.busy(); }}};
+             .run = [&session] { session.redoRollEdit(); },
+             .isEnabled = [&session] { return session.canRedoRollEdit(); }}};
 }
 
 QList<Command> MenuCommands::viewCommands(OrvexModel& session) {

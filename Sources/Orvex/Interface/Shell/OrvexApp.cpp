@@ -3,7 +3,7 @@
 #include "Files/ApplicationFolder.h"
 #include "OrvexLanguage.h"
 #include "OrvexQAWorkspace.h"
-#include "OrvexTheme.h"
+#include "Theme/OrvexTheme.h"
 #include "WindowState.h"
 
 #include <QLibraryInfo>

@@ -1,6 +1,6 @@
 #include "StatusLine.h"
 
-#include "Controls.h"
+#include "Controls/Controls.h"
 #include "OrvexLanguage.h"
 
 #include <QHBoxLayout>
