@@ -1,6 +1,7 @@
 #include "Theme/OrvexTheme.h"
 
 #include <QApplication>
+#include <QFontInfo>
 #include <QIcon>
 
 #include <gtest/gtest.h>
@@ -97,6 +98,13 @@ TEST(OrvexTheme, anApplicationTakesPaletteAndIcon) {
     EXPECT_EQ(QApplication::palette().color(QPalette::Window), OrvexTheme::background);
     EXPECT_EQ(QApplication::palette().color(QPalette::WindowText), OrvexTheme::text);
     EXPECT_FALSE(QApplication::windowIcon().isNull());
+}
+
+TEST(OrvexTheme, chineseIsDrawnInChineseLettersWhateverTheDesktopsLanguage) {
+    const QStringList families = QApplication::font().families();
+    ASSERT_EQ(families.size(), 2);
+    EXPECT_EQ(families.first(), QFontInfo(QApplication::font()).family()) << "the desktop's own font comes first";
+    EXPECT_EQ(families.last(), QStringLiteral("Noto Sans CJK SC"));
 }
 
 } // namespace

@@ -28,6 +28,14 @@ void setShades(QPalette& palette) {
     palette.setColor(QPalette::Shadow, Qt::black);
 }
 
+/// The desktop's font, which draws Chinese in Chinese letters: without being told, it would take those of another
+/// language that shares their codes, wherever the desktop itself is not in Chinese.
+QFont font() {
+    QFont font = QApplication::font();
+    font.setFamilies({QFontInfo(font).family(), QStringLiteral("Noto Sans CJK SC")});
+    return font;
+}
+
 } // namespace
 
 QPalette OrvexTheme::palette() {
@@ -55,6 +63,7 @@ QPalette OrvexTheme::palette() {
 void OrvexTheme::apply(QApplication& application) {
     QApplication::setStyle(new OrvexStyle);
     QApplication::setPalette(palette());
+    QApplication::setFont(font());
     application.setWindowIcon(OrvexIcons::application());
 }
 
