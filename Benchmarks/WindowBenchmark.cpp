@@ -154,10 +154,23 @@ private:
         QCoreApplication::sendEvent(board_.viewport(), &event);
     }
 
+    /// An artwork in view, near the middle: there may be a gap between two.
+    [[nodiscard]] QUuid artworkInView() const {
+        const QRectF view(board_.viewport()->rect());
+        for (double y = view.center().y(); y < view.bottom(); y += 8.0) {
+            for (double x = view.center().x(); x > view.left(); x -= 8.0) {
+                if (const auto hit = board_.hitAt({x, y})) {
+                    return hit->id;
+                }
+            }
+        }
+        throw std::runtime_error("no artwork in view");
+    }
+
     /// Moves the mouse along circles with the button down; from the event to the end of the painting.
     void drag(const char* task, bool isByHandle) {
         session_.setRollSnapToQuarter(false);
-        const QUuid id = board_.hitAt(QRectF(board_.viewport()->rect()).center()).value().id;
+        const QUuid id = artworkInView();
         session_.selectArtwork(id);
         settle();
         const QRectF shown = board_.frameOf(id);
@@ -166,7 +179,8 @@ private:
         std::vector<double> steps;
         for (int step = 1; step <= 300; ++step) {
             const double angle = 2.0 * std::numbers::pi * step / 100.0;
-            const QPointF place = start + 60.0 * QPointF(1.0 - std::cos(angle), std::sin(angle));
+            const double reach = isByHandle ? -60.0 : 60.0; // inwards: it may be as wide as the roll
+            const QPointF place = start + reach * QPointF(1.0 - std::cos(angle), std::sin(angle));
             const RollLayout before = session_.rollLayout();
             const double time = millisecondsOf([&] { send(QEvent::MouseMove, place, Qt::NoButton, Qt::LeftButton); });
             if (session_.rollLayout() != before) { // scaling goes by quarter inches
