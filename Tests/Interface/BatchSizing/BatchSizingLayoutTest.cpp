@@ -70,6 +70,15 @@ private:
     }
 };
 
+TEST_F(BatchSizingLayout, sizeFieldsAreOfOneWidthAndHaveRoomForTheirPlaceholders) {
+    openTwo();
+    for (const char* name : {"batchWidthField0", "batchHeightField0", "batchHeightField1"}) {
+        const auto* field = part<QLineEdit>(name);
+        EXPECT_EQ(field->width(), 100) << name;
+        EXPECT_LE(field->fontMetrics().horizontalAdvance(field->placeholderText()), 90) << name;
+    }
+}
+
 TEST_F(BatchSizingLayout, hasRoomForItsTexts) {
     tryEverything();
 }

@@ -38,16 +38,15 @@ QString heightName() {
     return spt("作品高度", "Artwork height");
 }
 
-int roomForPlaceholders(const QFont& font) {
+int widthOfPlaceholders(const QFont& font) {
     const QFontMetrics letters(font);
-    return std::max(letters.horizontalAdvance(widthName()), letters.horizontalAdvance(heightName())) +
-           aroundPlaceholder;
+    return std::max(letters.horizontalAdvance(widthName()), letters.horizontalAdvance(heightName()));
 }
 
 /// Somewhat smaller than usual where the placeholders need it.
 QFont fieldFont() {
     const QFont usual = QApplication::font("QLineEdit");
-    const double factor = static_cast<double>(usualFieldWidth) / roomForPlaceholders(usual);
+    const double factor = static_cast<double>(usualFieldWidth - aroundPlaceholder) / widthOfPlaceholders(usual);
     return factor < 1.0 ? controls::resized(usual, std::max(factor, leastFontFactor)) : usual;
 }
 
@@ -60,7 +59,7 @@ QString sizingHelp() {
 } // namespace
 
 int BatchSizeRow::fieldWidth() {
-    return std::max(usualFieldWidth, roomForPlaceholders(fieldFont()));
+    return std::max(usualFieldWidth, widthOfPlaceholders(fieldFont()) + aroundPlaceholder);
 }
 
 BatchSizeRow::BatchSizeRow(BatchSizingModel& model, qsizetype index, QWidget* parent)
