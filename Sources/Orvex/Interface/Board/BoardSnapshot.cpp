@@ -54,6 +54,9 @@ QRegion BoardSnapshot::moved(const RollLayout& layout, const BoardGeometry& geom
 
 QList<SharedImageMetadata> BoardSnapshot::newPreviews(const OrvexModel& session) const {
     QList<SharedImageMetadata> previews;
+    if (session.artworkPreviews() == previews_) {
+        return previews; // as with every step of a drag
+    }
     for (auto each = session.artworkPreviews().cbegin(); each != session.artworkPreviews().cend(); ++each) {
         if (previews_.value(each.key()) != each.value()) {
             previews.append(each.value());
