@@ -280,10 +280,8 @@ void RollBoardView::mousePressEvent(QMouseEvent* event) {
         return;
     }
     // What is being typed belongs to the artwork as it is now, and may change what lies below the mouse.
-    if (auto* field = qobject_cast<CommittingField*>(window()->focusWidget())) {
-        field->commitEditing();
-        syncFromSession();
-    }
+    CommittingField::commitEditingIn(*window());
+    syncFromSession();
     if (const auto hit = hitAt(event->position())) {
         startPress(*hit, event->position());
     }

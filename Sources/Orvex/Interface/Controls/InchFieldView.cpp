@@ -30,6 +30,12 @@ int widestUnit(const QLabel& label) {
 
 } // namespace
 
+void CommittingField::commitEditingIn(const QWidget& window) {
+    if (auto* field = qobject_cast<CommittingField*>(window.focusWidget())) {
+        field->commitEditing();
+    }
+}
+
 bool isAwayForAWhile(Qt::FocusReason reason) {
     return reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason;
 }

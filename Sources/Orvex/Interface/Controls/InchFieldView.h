@@ -21,6 +21,9 @@ public:
 
     /// Gives what was typed to whom it belongs.
     virtual void commitEditing() = 0;
+
+    /// The same for the field that has the keyboard of a window, if one has.
+    static void commitEditingIn(const QWidget& window);
 };
 
 /// A number of the roll with its label and unit: what is typed counts on Return and on leaving the field. The window

@@ -96,8 +96,8 @@ void DesktopServices::raiseWindow() {
 }
 
 void DesktopServices::commitEditing() {
-    if (auto* field = qobject_cast<CommittingField*>(window_ ? window_->focusWidget() : nullptr)) {
-        field->commitEditing();
+    if (window_) {
+        CommittingField::commitEditingIn(*window_);
     }
 }
 
